@@ -104,7 +104,8 @@ void TestExpansion::schedules_data()
         << qint64{0} << u"[{\"d\": 90, \"r\": -1}, {\"d\": 30, \"r\": 0}]"_s
         << u"[{\"d\": 1320, \"r\": 1}]"_s << u"E0@01:30/30 E1@02:00/1320"_s;
     QTest::newRow("partial longer than the day: no pattern pass")
-        << qint64{0} << u"[{\"d\": 1000, \"r\": 0}, {\"d\": 1000, \"r\": 1}, {\"d\": 5, \"r\": 0}]"_s
+        << qint64{0}
+        << u"[{\"d\": 1000, \"r\": 0}, {\"d\": 1000, \"r\": 1}, {\"d\": 5, \"r\": 0}]"_s
         << u"[{\"d\": 5, \"r\": 1}]"_s << u"E0@00:00/1000 E1@16:40/1000"_s;
     QTest::newRow("entry starting at 23:59 is added")
         << qint64{0} << u"[{\"d\": 1439, \"r\": -1}, {\"d\": 60, \"r\": 0}]"_s
@@ -129,9 +130,9 @@ void TestExpansion::schedules()
     QFETCH(QString, expected);
 
     auto section = sectionWithEvents(2);
-    const Status status = expandSchedule(*section, skipped, array(partial.toUtf8()),
-                                         array(pattern.toUtf8()),
-                                         ScheduleDay::containing(noon, utc));
+    const Status status =
+        expandSchedule(*section, skipped, array(partial.toUtf8()), array(pattern.toUtf8()),
+                       ScheduleDay::containing(noon, utc));
     QVERIFY2(status, qPrintable(status.error()));
     QCOMPARE(render(*section, utc), expected);
 }
@@ -220,13 +221,14 @@ void TestExpansion::invalidEntries_data()
     QTest::addColumn<QString>("reason");
 
     const QString fill = u"[{\"d\": 60, \"r\": 0}]"_s;
-    QTest::newRow("entry not an object") << u"[[60, 0]]"_s << fill
-                                         << u"\"partial\" entry 1: not an object (found an array)"_s;
+    QTest::newRow("entry not an object")
+        << u"[[60, 0]]"_s << fill << u"\"partial\" entry 1: not an object (found an array)"_s;
     QTest::newRow("d missing") << u"[{\"r\": 0}]"_s << fill
                                << u"\"partial\" entry 1: \"d\" is missing"_s;
     QTest::newRow("r missing") << u"[{\"d\": 5}]"_s << fill
                                << u"\"partial\" entry 1: \"r\" is missing"_s;
-    QTest::newRow("d fractional") << u"[]"_s << u"[{\"d\": 60, \"r\": 0}, {\"d\": 30.5, \"r\": 0}]"_s
+    QTest::newRow("d fractional") << u"[]"_s
+                                  << u"[{\"d\": 60, \"r\": 0}, {\"d\": 30.5, \"r\": 0}]"_s
                                   << u"\"pattern\" entry 2: \"d\" is not an integer (found 30.5)"_s;
     QTest::newRow("d a string") << u"[{\"d\": \"30\", \"r\": 0}]"_s << fill
                                 << u"\"partial\" entry 1: \"d\" is not an integer (found \"30\")"_s;
@@ -253,7 +255,8 @@ void TestExpansion::invalidEntries_data()
         << u"[{\"d\": -10, \"r\": -1}, {\"d\": 20, \"r\": 0}]"_s << fill
         << u"\"partial\" entry 2: the occurrence would start before the day begins (negative \"d\" before it)"_s;
     QTest::newRow("endless zero-minute occurrences")
-        << u"[]"_s << u"["_s + (u"{\"d\": 0, \"r\": 0},"_s).repeated(1000) + u"{\"d\": 1, \"r\": 0}]"_s
+        << u"[]"_s
+        << u"["_s + (u"{\"d\": 0, \"r\": 0},"_s).repeated(1000) + u"{\"d\": 1, \"r\": 0}]"_s
         << u"the schedule needs more than 100000 entries to fill the day"_s;
 }
 
@@ -264,9 +267,9 @@ void TestExpansion::invalidEntries()
     QFETCH(QString, reason);
 
     auto section = sectionWithEvents(2);
-    const Status status = expandSchedule(*section, 0, array(partial.toUtf8()),
-                                         array(pattern.toUtf8()),
-                                         ScheduleDay::containing(noon, utc));
+    const Status status =
+        expandSchedule(*section, 0, array(partial.toUtf8()), array(pattern.toUtf8()),
+                       ScheduleDay::containing(noon, utc));
     QVERIFY(!status);
     QCOMPARE(status.error(), reason);
 }
@@ -281,7 +284,8 @@ void TestExpansion::minutesAndStartText_data()
     const QTimeZone plusTwo(2 * 3600);
     const QTimeZone minusFive(-5 * 3600);
     QTest::newRow("06:30 UTC") << utc << QTime(6, 30) << qint64{390} << u"06:30"_s;
-    QTest::newRow("06:30:59 truncates") << utc << QTime(6, 30, 59, 999) << qint64{390} << u"06:30"_s;
+    QTest::newRow("06:30:59 truncates")
+        << utc << QTime(6, 30, 59, 999) << qint64{390} << u"06:30"_s;
     QTest::newRow("local midnight at UTC+2 reads 02:00")
         << plusTwo << QTime(0, 0) << qint64{0} << u"02:00"_s;
     QTest::newRow("local midnight at UTC-5 reads 19:00")
