@@ -1,0 +1,187 @@
+#include "eventservice.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPointer>
+#include <QTcpSocket>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace eventtimer {
+
+namespace {
+
+QByteArray reasonPhrase(int status)
+{
+    switch (status) {
+    case 200:
+        return "OK";
+    case 404:
+        return "Not Found";
+    case 500:
+        return "Internal Server Error";
+    case 503:
+        return "Service Unavailable";
+    default:
+        return "Status";
+    }
+}
+
+QByteArray contentType(const QString &path)
+{
+    if (path.endsWith(u".png"_s))
+        return "image/png";
+    if (path.endsWith(u".json"_s) || path == EventService::documentPath)
+        return "application/json";
+    return "application/octet-stream";
+}
+
+} // namespace
+
+EventService::EventService(QObject *parent)
+    : QObject(parent)
+{
+    connect(&m_server, &QTcpServer::newConnection, this, &EventService::onConnection);
+}
+
+bool EventService::listen(quint16 port)
+{
+    return m_server.listen(QHostAddress::LocalHost, port);
+}
+
+quint16 EventService::port() const
+{
+    return m_server.serverPort();
+}
+
+QUrl EventService::baseUrl() const
+{
+    return QUrl(u"http://127.0.0.1:"_s + QString::number(port()));
+}
+
+void EventService::setDocument(const QByteArray &bytes)
+{
+    m_document = bytes;
+    m_documentFile.clear();
+}
+
+void EventService::setDocumentFile(const QString &path)
+{
+    m_documentFile = path;
+}
+
+void EventService::setFilesFolder(const QString &folder)
+{
+    m_filesFolder = folder;
+}
+
+void EventService::setBehaviour(const QString &path, const Behaviour &behaviour)
+{
+    m_behaviours.insert(path, behaviour);
+}
+
+void EventService::clearBehaviours()
+{
+    m_behaviours.clear();
+}
+
+int EventService::requestCount(const QString &path) const
+{
+    return m_counts.value(path);
+}
+
+int EventService::totalRequests() const
+{
+    int total = 0;
+    for (int count : m_counts)
+        total += count;
+    return total;
+}
+
+EventService::Behaviour EventService::behaviourFor(const QString &path) const
+{
+    return m_behaviours.value(path, m_behaviours.value(u"*"_s));
+}
+
+void EventService::onConnection()
+{
+    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+            // One request per connection: wait for the end of the header, answer, close.
+            if (socket->property("answered").toBool())
+                return;
+            QByteArray request = socket->property("request").toByteArray() + socket->readAll();
+            socket->setProperty("request", request);
+            if (!request.contains("\r\n\r\n"))
+                return;
+            socket->setProperty("answered", true);
+            const QList<QByteArray> line = request.left(request.indexOf("\r\n")).split(' ');
+            const QString path =
+                line.size() >= 2 ? QUrl(QString::fromUtf8(line.at(1))).path() : QString();
+            m_counts[path] += 1;
+            respond(socket, path);
+        });
+    }
+}
+
+void EventService::respond(QTcpSocket *socket, const QString &path)
+{
+    const Behaviour behaviour = behaviourFor(path);
+    QByteArray body;
+    int status = 404;
+    if (path == documentPath) {
+        status = 200;
+        body = m_document;
+        if (!m_documentFile.isEmpty()) {
+            QFile file(m_documentFile);
+            status = file.open(QIODevice::ReadOnly) ? 200 : 404;
+            body = file.readAll();
+        }
+    } else if (!m_filesFolder.isEmpty() && !path.contains(u".."_s)) {
+        QFile file(QDir(m_filesFolder).filePath(path.mid(1)));
+        if (QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly)) {
+            status = 200;
+            body = file.readAll();
+        }
+    }
+    if (status == 200 && behaviour.status != 200) {
+        status = behaviour.status;
+        body = "failure on purpose";
+    }
+    if (behaviour.oversizeBytes > 0)
+        body = QByteArray(behaviour.oversizeBytes, ' ');
+
+    QPointer<QTcpSocket> guarded(socket);
+    const QByteArray type = contentType(path);
+    const auto answer = [this, guarded, status, type, body, behaviour] {
+        if (guarded)
+            send(guarded, status, type, body, behaviour);
+    };
+    if (behaviour.delayMs > 0)
+        QTimer::singleShot(behaviour.delayMs, this, answer);
+    else
+        answer();
+}
+
+void EventService::send(QTcpSocket *socket, int status, const QByteArray &type,
+                        const QByteArray &body, const Behaviour &behaviour)
+{
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(status) + ' ' + reasonPhrase(status) +
+                      "\r\nContent-Type: " + type +
+                      "\r\nContent-Length: " + QByteArray::number(body.size()) +
+                      "\r\nConnection: close\r\n\r\n";
+    socket->write(head);
+    if (behaviour.closeMidBody) {
+        socket->write(body.left(body.size() / 2));
+        socket->flush();
+        socket->abort();
+        return;
+    }
+    socket->write(body);
+    socket->disconnectFromHost();
+}
+
+} // namespace eventtimer

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+#include <QTcpServer>
+#include <QUrl>
+
+namespace eventtimer {
+
+// A small event service for the demo and the tests: serves an event document at
+// /api/events/sequence and the files of a folder (icons) under their paths, over plain HTTP on
+// loopback. It counts requests per path and can be told to misbehave for a path: answer late,
+// answer an error status, close the connection in the middle of the body, or send a body
+// larger than asked.
+class EventService : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr QStringView documentPath = u"/api/events/sequence";
+
+    struct Behaviour
+    {
+        int delayMs = 0;
+        int status = 200;
+        bool closeMidBody = false;
+        // When set, the body is this many bytes of padding instead of the real content.
+        qint64 oversizeBytes = 0;
+    };
+
+    explicit EventService(QObject *parent = nullptr);
+
+    // Listens on 127.0.0.1; port 0 picks a free one.
+    bool listen(quint16 port = 0);
+    quint16 port() const;
+    QUrl baseUrl() const;
+
+    void setDocument(const QByteArray &bytes);
+    void setDocumentFile(const QString &path);
+    void setFilesFolder(const QString &folder);
+
+    // Behaviour for one path, or for every path without one of its own when path is "*".
+    void setBehaviour(const QString &path, const Behaviour &behaviour);
+    void clearBehaviours();
+
+    int requestCount(const QString &path) const;
+    int totalRequests() const;
+
+private:
+    void onConnection();
+    void respond(QTcpSocket *socket, const QString &path);
+    void send(QTcpSocket *socket, int status, const QByteArray &type, const QByteArray &body,
+              const Behaviour &behaviour);
+    Behaviour behaviourFor(const QString &path) const;
+
+    QTcpServer m_server;
+    QByteArray m_document;
+    QString m_documentFile;
+    QString m_filesFolder;
+    QHash<QString, Behaviour> m_behaviours;
+    QHash<QString, int> m_counts;
+};
+
+} // namespace eventtimer

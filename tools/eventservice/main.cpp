@@ -1,0 +1,64 @@
+// eventtimer-eventservice: serves an event document and a folder of icons on loopback, for the
+// demo and for trying documents out.
+#include "eventservice.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QTextStream>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(u"eventtimer-eventservice"_s);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        u"Serves an event document at /api/events/sequence and the files of a folder, over "
+        u"plain HTTP on 127.0.0.1."_s);
+    parser.addHelpOption();
+    parser.addPositionalArgument(u"document"_s, u"The event document (JSON) to serve."_s);
+    const QCommandLineOption files(u"files"_s, u"Serve the files of <folder> under their paths."_s,
+                                   u"folder"_s);
+    const QCommandLineOption port(u"port"_s, u"Listen on <port> (default: a free one)."_s,
+                                  u"port"_s, u"0"_s);
+    const QCommandLineOption delay(u"delay"_s, u"Answer every request <ms> late."_s, u"ms"_s,
+                                   u"0"_s);
+    parser.addOptions({files, port, delay});
+    parser.process(app);
+
+    QTextStream err(stderr);
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() != 1) {
+        err << "eventtimer-eventservice: give exactly one document file (see --help)" << Qt::endl;
+        return 2;
+    }
+    if (!QFileInfo(positional.first()).isReadable()) {
+        err << "eventtimer-eventservice: cannot read " << positional.first() << Qt::endl;
+        return 2;
+    }
+    bool portOk = false;
+    const uint portNumber = parser.value(port).toUInt(&portOk);
+    bool delayOk = false;
+    const int delayMs = parser.value(delay).toInt(&delayOk);
+    if (!portOk || portNumber > 65535 || !delayOk || delayMs < 0) {
+        err << "eventtimer-eventservice: --port takes 0 to 65535 and --delay a number of "
+               "milliseconds"
+            << Qt::endl;
+        return 2;
+    }
+
+    eventtimer::EventService service;
+    service.setDocumentFile(positional.first());
+    if (parser.isSet(files))
+        service.setFilesFolder(parser.value(files));
+    service.setBehaviour(u"*"_s, {delayMs, 200, false, 0});
+    if (!service.listen(static_cast<quint16>(portNumber))) {
+        err << "eventtimer-eventservice: cannot listen on port " << portNumber << Qt::endl;
+        return 1;
+    }
+    QTextStream(stdout) << service.baseUrl().toString() << Qt::endl;
+    return app.exec();
+}
