@@ -3,11 +3,20 @@
 #include "jsonfields.h"
 #include "section.h"
 
+#include <optional>
+#include <vector>
+
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
 namespace {
+
+// "1 event", "3 events"
+QString counted(qint64 count, QStringView noun)
+{
+    return QString::number(count) + u' ' + noun.toString() + (count == 1 ? u""_s : u"s"_s);
+}
 
 Error inEntry(QStringView list, qsizetype index, const QString &reason)
 {
@@ -15,17 +24,78 @@ Error inEntry(QStringView list, qsizetype index, const QString &reason)
                  reason};
 }
 
-// Reads the entries of one list in order while the day is not full.
+// A schedule entry once read and checked.
+struct CheckedEntry
+{
+    qint64 minutes = 0;
+    qint64 position = 0; // in the section's events; negative for a pause
+    qint64 seconds = 0;
+};
+
+Result<CheckedEntry> checkEntry(const QJsonValue &entry, qint64 skippedSegments,
+                                const Section &section)
+{
+    if (!entry.isObject())
+        return Error{u"not an object (found "_s + jsonfields::describe(entry) + u')'};
+    const QJsonObject record = entry.toObject();
+
+    const Result<qint64> minutes = jsonfields::requireInteger(record, "d"_L1);
+    if (!minutes)
+        return Error{minutes.error()};
+    const Result<qint64> reference = jsonfields::requireInteger(record, "r"_L1);
+    if (!reference)
+        return Error{reference.error()};
+
+    CheckedEntry checked;
+    checked.minutes = minutes.value();
+    if (__builtin_sub_overflow(reference.value(), skippedSegments, &checked.position))
+        return Error{
+            u"\"r\" = "_s + QString::number(reference.value()) +
+            u" is out of the 64-bit integer range once the skipped segments are taken off"_s};
+    if (__builtin_mul_overflow(checked.minutes, qint64{60}, &checked.seconds))
+        return Error{u"\"d\" = "_s + QString::number(checked.minutes) +
+                     u" minutes is beyond the 64-bit integer range in seconds"_s};
+    if (checked.position >= section.events.size())
+        return Error{u"\"r\" = "_s + QString::number(reference.value()) +
+                     u" points past the section's events ("_s +
+                     counted(section.events.size(), u"event") + u", "_s +
+                     counted(skippedSegments, u"skipped segment key") + u')'};
+    return checked;
+}
+
+Status applyEntry(const CheckedEntry &entry, double &nextStart, Section &section,
+                  const ScheduleDay &day)
+{
+    if (entry.position >= 0) {
+        if (nextStart < day.start())
+            return Error{u"the occurrence would start before the day begins (negative \"d\" "
+                         u"before it)"_s};
+        section.sequence.append(std::make_shared<SequenceItem>(section.events.at(entry.position),
+                                                               entry.minutes, nextStart));
+    }
+    nextStart += static_cast<double>(entry.seconds);
+    return {};
+}
+
+// Reads the entries of one list in order while the day is not full. Every pass over "pattern"
+// meets the same entries, so each is read from the document once and kept in checked.
 Status expandList(QStringView name, const QJsonArray &entries, double &nextStart,
                   qint64 skippedSegments, Section &section, const ScheduleDay &day,
-                  qint64 &entriesRead)
+                  qint64 &entriesRead, std::vector<std::optional<CheckedEntry>> &checked)
 {
+    checked.resize(static_cast<size_t>(entries.size()));
     for (qsizetype i = 0; i < entries.size() && nextStart < day.end(); ++i) {
         if (++entriesRead > maxScheduleEntriesPerDay)
             return Error{u"the schedule needs more than "_s +
                          QString::number(maxScheduleEntriesPerDay) + u" entries to fill the day"_s};
-        const Status status = expandEntry(entries.at(i), nextStart, skippedSegments, section, day);
-        if (!status)
+        std::optional<CheckedEntry> &entry = checked[static_cast<size_t>(i)];
+        if (!entry) {
+            Result<CheckedEntry> read = checkEntry(entries.at(i), skippedSegments, section);
+            if (!read)
+                return inEntry(name, i, read.error());
+            entry = read.value();
+        }
+        if (Status status = applyEntry(*entry, nextStart, section, day); !status)
             return inEntry(name, i, status.error());
     }
     return {};
@@ -38,18 +108,20 @@ Status expandSchedule(Section &section, qint64 skippedSegments, const QJsonArray
 {
     double nextStart = day.start();
     qint64 entriesRead = 0;
+    std::vector<std::optional<CheckedEntry>> checked;
 
-    if (Status status =
-            expandList(u"partial", partial, nextStart, skippedSegments, section, day, entriesRead);
+    if (Status status = expandList(u"partial", partial, nextStart, skippedSegments, section, day,
+                                   entriesRead, checked);
         !status)
         return status;
 
+    checked.clear();
     while (nextStart < day.end()) {
         if (pattern.isEmpty())
             return Error{u"\"pattern\" is empty, so the day never fills"_s};
         const double passStart = nextStart;
         if (Status status = expandList(u"pattern", pattern, nextStart, skippedSegments, section,
-                                       day, entriesRead);
+                                       day, entriesRead, checked);
             !status)
             return status;
         // Every pass reads the same entries, so a pass that ends where it began (or earlier)
@@ -67,41 +139,10 @@ Status expandEntry(const QJsonValue &entry, double &nextStart, qint64 skippedSeg
 {
     if (!(nextStart < day.end()))
         return {};
-    if (!entry.isObject())
-        return Error{u"not an object (found "_s + jsonfields::describe(entry) + u')'};
-    const QJsonObject record = entry.toObject();
-
-    const Result<qint64> minutes = jsonfields::requireInteger(record, u"d");
-    if (!minutes)
-        return Error{minutes.error()};
-    const Result<qint64> reference = jsonfields::requireInteger(record, u"r");
-    if (!reference)
-        return Error{reference.error()};
-
-    qint64 position = 0;
-    if (__builtin_sub_overflow(reference.value(), skippedSegments, &position))
-        return Error{
-            u"\"r\" = "_s + QString::number(reference.value()) +
-            u" is out of the 64-bit integer range once the skipped segments are taken off"_s};
-    qint64 seconds = 0;
-    if (__builtin_mul_overflow(minutes.value(), qint64{60}, &seconds))
-        return Error{u"\"d\" = "_s + QString::number(minutes.value()) +
-                     u" minutes is beyond the 64-bit integer range in seconds"_s};
-
-    if (position >= 0) {
-        if (position >= section.events.size())
-            return Error{u"\"r\" = "_s + QString::number(reference.value()) +
-                         u" points past the section's events ("_s +
-                         QString::number(section.events.size()) + u" events, "_s +
-                         QString::number(skippedSegments) + u" skipped segment keys)"_s};
-        if (nextStart < day.start())
-            return Error{u"the occurrence would start before the day begins (negative \"d\" "
-                         u"before it)"_s};
-        section.sequence.append(std::make_shared<SequenceItem>(section.events.at(position),
-                                                               minutes.value(), nextStart));
-    }
-    nextStart += static_cast<double>(seconds);
-    return {};
+    const Result<CheckedEntry> checked = checkEntry(entry, skippedSegments, section);
+    if (!checked)
+        return Error{checked.error()};
+    return applyEntry(checked.value(), nextStart, section, day);
 }
 
 } // namespace eventtimer

@@ -11,12 +11,12 @@ namespace eventtimer::jsonfields {
 
 namespace {
 
-QString quoted(QStringView key)
+QString quoted(QAnyStringView key)
 {
     return u'"' + key.toString() + u'"';
 }
 
-Error wrongType(QStringView key, const QJsonValue &found, QStringView expected)
+Error wrongType(QAnyStringView key, const QJsonValue &found, QStringView expected)
 {
     if (found.isUndefined())
         return Error{quoted(key) + u" is missing"_s};
@@ -80,25 +80,23 @@ Result<QJsonArray> requireArray(const QJsonObject &object, QStringView key)
     return value.toArray();
 }
 
-Result<qint64> requireInteger(const QJsonObject &object, QStringView key)
+Result<qint64> requireInteger(const QJsonObject &object, QLatin1StringView key)
 {
     const QJsonValue value = object.value(key);
     if (!value.isDouble())
         return wrongType(key, value, u"an integer");
 
-    // Whole numbers written without fraction or exponent that fit 64 bits arrive exactly;
-    // anything else arrives as a double and must be integral and in range.
-    const QVariant number = value.toVariant();
-    if (number.typeId() == QMetaType::LongLong)
-        return number.toLongLong();
+    // Whole numbers that fit 64 bits come back exactly from toInteger(); a number it cannot
+    // give (a fraction, or beyond the range) comes back as the fallback, which then differs
+    // from the number itself. The fallback 0 is harmless: 0 compares equal only to 0.
+    const qint64 integer = value.toInteger(0);
     const double real = value.toDouble();
+    if (static_cast<double>(integer) == real)
+        return integer;
     if (!std::isfinite(real) || std::trunc(real) != real)
         return wrongType(key, value, u"an integer");
-    constexpr double limit = 9223372036854775808.0; // 2^63
-    if (real < -limit || real >= limit)
-        return Error{quoted(key) + u" is out of the 64-bit integer range (found "_s +
-                     describe(value) + u')'};
-    return static_cast<qint64>(real);
+    return Error{quoted(key) + u" is out of the 64-bit integer range (found "_s +
+                 describe(value) + u')'};
 }
 
 std::optional<QString> optionalString(const QJsonObject &object, QStringView key)

@@ -21,7 +21,7 @@ Result<QJsonObject> requireObject(const QJsonObject &object, QStringView key);
 Result<QJsonArray> requireArray(const QJsonObject &object, QStringView key);
 
 // A JSON number that is a whole number within the signed 64-bit range. 30.5 and "30" are not.
-Result<qint64> requireInteger(const QJsonObject &object, QStringView key);
+Result<qint64> requireInteger(const QJsonObject &object, QLatin1StringView key);
 
 // The value under key if it is a string; a value of another type counts as missing.
 std::optional<QString> optionalString(const QJsonObject &object, QStringView key);

@@ -183,7 +183,7 @@ void TestDocumentParser::invalidSections_data()
     QTest::newRow("reference beyond the events")
         << u"{"_s + named + u", "_s + segments +
                u", \"sequences\": {\"partial\": [], \"pattern\": [{\"d\": 60, \"r\": 1}]}}"_s
-        << u"\"Harbour\": \"pattern\" entry 1: \"r\" = 1 points past the section's events (1 events, 0 skipped segment keys)"_s;
+        << u"\"Harbour\": \"pattern\" entry 1: \"r\" = 1 points past the section's events (1 event, 0 skipped segment keys)"_s;
     QTest::newRow("empty segments: the one probe is not counted")
         << u"{"_s + named +
                u", \"segments\": {}, \"sequences\": {\"partial\": [], \"pattern\": [{\"d\": 60, \"r\": 0}]}}"_s
