@@ -24,8 +24,11 @@ class SettingsStore final : public KeyValueStore
 public:
     explicit SettingsStore(QSettings &settings);
 
-    // The user's standard store: $XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf.
+    // The user's standard store: $XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf, in the store's
+    // own format.
     static std::unique_ptr<QSettings> openStandard();
+    // The format of the standard store: binary, reading hand-written text files too.
+    static QSettings::Format format();
     // A named suite shared with companion programs: $XDG_CONFIG_HOME/<suite>.conf.
     static std::unique_ptr<QSettings> openSuite(const QString &suite);
 

@@ -2,8 +2,8 @@
 
 #include "imagefetcher.h"
 #include "keyvaluestore.h"
+#include "tiffcodec.h"
 
-#include <QBuffer>
 #include <QStringList>
 #include <QTextBoundaryFinder>
 #include <QUrl>
@@ -64,10 +64,7 @@ std::optional<QImage> IconCache::icon(const QString &url)
         // Stored once, never replaced: data that does not decode leaves the icon absent.
         if (stored.typeId() != QMetaType::QByteArray)
             return std::nullopt;
-        QImage image = QImage::fromData(stored.toByteArray());
-        if (image.isNull())
-            return std::nullopt;
-        return image;
+        return TiffCodec::decode(stored.toByteArray());
     }
 
     const QUrl address(url, QUrl::StrictMode);
@@ -90,22 +87,12 @@ std::optional<QImage> IconCache::storeFetched(const QString &url, const Result<Q
     QImage image = QImage::fromData(fetched.value());
     if (image.isNull())
         return std::nullopt;
-    const QByteArray tiff = tiffData(image);
+    const QByteArray tiff = TiffCodec::encode(image);
     if (tiff.isEmpty())
         m_store.remove(*key);
     else
         m_store.setValue(*key, tiff);
     return image;
-}
-
-QByteArray IconCache::tiffData(const QImage &image)
-{
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    if (!image.save(&buffer, "TIFF"))
-        return {};
-    return data;
 }
 
 } // namespace eventtimer

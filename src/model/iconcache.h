@@ -36,8 +36,6 @@ public:
     // undecodable bytes store nothing.
     std::optional<QImage> storeFetched(const QString &url, const Result<QByteArray> &fetched);
 
-    static QByteArray tiffData(const QImage &image);
-
 private:
     KeyValueStore &m_store;
     ImageFetcher &m_fetcher;

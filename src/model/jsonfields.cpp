@@ -95,8 +95,8 @@ Result<qint64> requireInteger(const QJsonObject &object, QLatin1StringView key)
         return integer;
     if (!std::isfinite(real) || std::trunc(real) != real)
         return wrongType(key, value, u"an integer");
-    return Error{quoted(key) + u" is out of the 64-bit integer range (found "_s +
-                 describe(value) + u')'};
+    return Error{quoted(key) + u" is out of the 64-bit integer range (found "_s + describe(value) +
+                 u')'};
 }
 
 std::optional<QString> optionalString(const QJsonObject &object, QStringView key)

@@ -108,7 +108,7 @@ void TestEventDataSource::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     m_settings = std::make_unique<QSettings>(m_folder->filePath(u"eventtimer.conf"_s),
-                                             QSettings::NativeFormat);
+                                             SettingsStore::format());
     m_store = std::make_unique<SettingsStore>(*m_settings);
     m_service = std::make_unique<EventService>();
     QVERIFY(m_service->listen());
@@ -144,7 +144,7 @@ void TestEventDataSource::firstRunDownloadsAndStores()
     QCOMPARE(m_service->requestCount(EventService::documentPath.toString()), 1);
 
     // Both keys are on disk, as another process would read them.
-    QSettings reread(m_settings->fileName(), QSettings::NativeFormat);
+    QSettings reread(m_settings->fileName(), SettingsStore::format());
     QCOMPARE(reread.value(settingskeys::documentBytes.toString()).toByteArray(), goodDocument);
     QCOMPARE(reread.value(settingskeys::documentDate.toString()).toDateTime(), m_clock.moment);
 }
