@@ -140,6 +140,8 @@ void EventService::respond(QTcpSocket *socket, const QString &path)
             status = file.open(QIODevice::ReadOnly) ? 200 : 404;
             body = file.readAll();
         }
+        // Documents name their icons relative to wherever the service happens to listen.
+        body.replace(serviceToken, baseUrl().toString().toUtf8());
     } else if (!m_filesFolder.isEmpty() && !path.contains(u".."_s)) {
         QFile file(QDir(m_filesFolder).filePath(path.mid(1)));
         if (QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly)) {

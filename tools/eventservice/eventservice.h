@@ -10,15 +10,18 @@ namespace eventtimer {
 
 // A small event service for the demo and the tests: serves an event document at
 // /api/events/sequence and the files of a folder (icons) under their paths, over plain HTTP on
-// loopback. It counts requests per path and can be told to misbehave for a path: answer late,
-// answer an error status, close the connection in the middle of the body, or send a body
-// larger than asked.
+// loopback. "{service}" in the document stands for the service's own address. It counts
+// requests per path and can be told to misbehave for a path: answer late, answer an error
+// status, close the connection in the middle of the body, or send a body larger than asked.
 class EventService : public QObject
 {
     Q_OBJECT
 
 public:
     static constexpr QStringView documentPath = u"/api/events/sequence";
+    // Replaced in the served document by the service's own base address, so that a document
+    // can point its icons at the service: "{service}/icons/a.png".
+    static constexpr QByteArrayView serviceToken = "{service}";
 
     struct Behaviour
     {

@@ -17,7 +17,9 @@ int main(int argc, char *argv[])
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Serves an event document at /api/events/sequence and the files of a folder, over "
-        u"plain HTTP on 127.0.0.1."_s);
+        u"plain HTTP on 127.0.0.1. \"{service}\" in the document is replaced by the service's "
+        u"own address, so icons can be served from the folder. Prints the address, then serves "
+        u"until stopped."_s);
     parser.addHelpOption();
     parser.addPositionalArgument(u"document"_s, u"The event document (JSON) to serve."_s);
     const QCommandLineOption files(u"files"_s, u"Serve the files of <folder> under their paths."_s,

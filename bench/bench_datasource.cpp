@@ -1,0 +1,188 @@
+// The data source's two costs that a user feels: the first start, which downloads the document
+// and every icon, and every later start, which reads both from the settings store.
+#include "clock.h"
+#include "eventdatasource.h"
+#include "eventservice.h"
+#include "settingsstore.h"
+#include "urlloader.h"
+
+#include <QBuffer>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+
+using namespace eventtimer;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int iconCount = 40;
+constexpr int latencyMs = 50;
+
+class FixedClock final : public Clock
+{
+public:
+    QDateTime now() const override
+    {
+        return QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc());
+    }
+    QTimeZone zone() const override { return QTimeZone::utc(); }
+};
+
+// The realistic document with its first 40 icons pointed at the service (the rest dropped).
+QByteArray documentWithServedIcons()
+{
+    QFile file(QStringLiteral(EVENTTIMER_TEST_DATA_DIR) + u"/documents/realistic.json"_s);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read the realistic document");
+    QJsonArray sections = QJsonDocument::fromJson(file.readAll()).array();
+    int icons = 0;
+    for (QJsonValueRef sectionValue : sections) {
+        QJsonObject section = sectionValue.toObject();
+        QJsonObject segments = section.value(u"segments").toObject();
+        for (auto it = segments.begin(); it != segments.end(); ++it) {
+            QJsonObject segment = it.value().toObject();
+            if (!segment.contains(u"icon"))
+                continue;
+            if (icons < iconCount)
+                segment.insert(u"icon"_s, u"{service}/icons/file/set/"_s +
+                                              QString::number(icons++) + u".png"_s);
+            else
+                segment.remove(u"icon");
+            it.value() = segment;
+        }
+        section.insert(u"segments"_s, segments);
+        sectionValue = section;
+    }
+    return QJsonDocument(sections).toJson(QJsonDocument::Compact);
+}
+
+void writeIcons(const QString &folder)
+{
+    QDir().mkpath(folder + u"/icons/file/set"_s);
+    for (int i = 0; i < iconCount; ++i) {
+        QImage image(48, 48, QImage::Format_ARGB32);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setBrush(QColor::fromHsv(i * 9, 200, 220));
+        painter.drawEllipse(2, 2, 44, 44);
+        painter.end();
+        image.save(folder + u"/icons/file/set/"_s + QString::number(i) + u".png"_s);
+    }
+}
+
+double median(QList<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+} // namespace
+
+class BenchDataSource : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void firstStartWithSlowIcons();
+    void startFromTheStore();
+
+private:
+    QTemporaryDir m_folder;
+    EventService m_service;
+    QString m_storedFile;
+};
+
+void BenchDataSource::initTestCase()
+{
+    writeIcons(m_folder.path());
+    m_service.setFilesFolder(m_folder.path());
+    m_service.setDocument(documentWithServedIcons());
+    QVERIFY(m_service.listen());
+}
+
+void BenchDataSource::firstStartWithSlowIcons()
+{
+    m_service.setBehaviour(u"*"_s, {latencyMs, 200, false, 0});
+    m_service.setBehaviour(EventService::documentPath.toString(), {});
+
+    constexpr int runs = 5;
+    QList<double> single;
+    QList<double> firstStart;
+    for (int run = 0; run < runs; ++run) {
+        UrlLoader loader;
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(loader.read(QUrl(m_service.baseUrl().toString() + u"/icons/file/set/0.png"_s)));
+        single.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+
+        m_storedFile = m_folder.filePath(u"first-"_s + QString::number(run) + u".conf"_s);
+        QSettings settings(m_storedFile, SettingsStore::format());
+        SettingsStore store(settings);
+        store.setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
+        QString output;
+        QTextStream out(&output);
+        FixedClock clock;
+        EventDataSource source(store, loader, clock, out);
+        timer.restart();
+        const SectionList sections = source.loadSections();
+        firstStart.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        QCOMPARE(sections.size(), 18);
+    }
+    qInfo("one icon request (%d ms latency): %.1f ms; first start with %d new icons: %.1f ms "
+          "(%.2f x one request)",
+          latencyMs, median(single), iconCount, median(firstStart),
+          median(firstStart) / median(single));
+    m_service.clearBehaviours();
+}
+
+void BenchDataSource::startFromTheStore()
+{
+    QVERIFY(!m_storedFile.isEmpty());
+    QFile stored(m_storedFile);
+    QVERIFY(stored.open(QIODevice::ReadOnly));
+    const QByteArray bytes = stored.readAll();
+    qInfo("store file with the document and %d icons: %lld bytes", iconCount,
+          static_cast<long long>(bytes.size()));
+
+    // Each run reads a copy Qt has not seen yet, as a new process would.
+    constexpr int runs = 30;
+    QList<double> loads;
+    const int requestsBefore = m_service.totalRequests();
+    for (int run = 0; run < runs; ++run) {
+        const QString path = m_folder.filePath(u"cold-"_s + QString::number(run) + u".conf"_s);
+        QFile copy(path);
+        QVERIFY(copy.open(QIODevice::WriteOnly));
+        copy.write(bytes);
+        copy.close();
+
+        QElapsedTimer timer;
+        timer.start();
+        QSettings settings(path, SettingsStore::format());
+        SettingsStore store(settings);
+        UrlLoader loader;
+        QString output;
+        QTextStream out(&output);
+        FixedClock clock;
+        EventDataSource source(store, loader, clock, out);
+        const SectionList sections = source.loadSections();
+        loads.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        QCOMPARE(sections.size(), 18);
+        QVERIFY(sections.first()->events.first()->icon);
+    }
+    QCOMPARE(m_service.totalRequests(), requestsBefore);
+    qInfo("start from the store (document, %d icons, parse): median %.2f ms", iconCount,
+          median(loads));
+}
+
+QTEST_GUILESS_MAIN(BenchDataSource)
+#include "bench_datasource.moc"
