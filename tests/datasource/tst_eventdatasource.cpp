@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -87,6 +88,7 @@ private Q_SLOTS:
     void failedReadsStoreNothing_data();
     void failedReadsStoreNothing();
     void skippedSectionsAreReported();
+    void bundledSampleLoadsWithAllItsIcons();
     void iconsAreFetchedOnceAndFailuresRetried();
     void serviceAddress_data();
     void serviceAddress();
@@ -257,6 +259,29 @@ void TestEventDataSource::skippedSectionsAreReported()
             u"[ERROR] Skipped section 2: not an object (found 5)"_s,
         }));
     QVERIFY(m_sections.isEmpty());
+}
+
+void TestEventDataSource::bundledSampleLoadsWithAllItsIcons()
+{
+    const QString sample = QStringLiteral(EVENTTIMER_SAMPLE_DIR);
+    m_service->setDocumentFile(sample + u"/events.json"_s);
+    m_service->setFilesFolder(sample);
+
+    QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
+    QCOMPARE(m_sections.size(), 18);
+    QSet<QString> categories;
+    int icons = 0;
+    for (const auto &section : std::as_const(m_sections)) {
+        categories.insert(section->category);
+        QVERIFY(!section->sequence.isEmpty());
+        for (const auto &event : section->events)
+            icons += event->icon ? 1 : 0;
+    }
+    QVERIFY(categories.size() >= 5);
+    QCOMPARE(m_service->requestCount(EventService::documentPath.toString()), 1);
+    // Every icon the document names was served and decoded.
+    QCOMPARE(m_service->totalRequests() - 1, 63);
+    QVERIFY(icons >= 63);
 }
 
 void TestEventDataSource::iconsAreFetchedOnceAndFailuresRetried()
