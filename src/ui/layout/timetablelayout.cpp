@@ -1,0 +1,184 @@
+#include "timetablelayout.h"
+
+#include "sequencetime.h"
+
+#include <QHash>
+
+#include <algorithm>
+
+namespace eventtimer {
+
+using C = LayoutConstants;
+
+QRectF CategoryBoxGeometry::rect(double columnWidth) const
+{
+    return QRectF(C::boxMargin, top, columnWidth - 2 * C::categoryDistance, bottom - top);
+}
+
+QRectF SectionLabelGeometry::rect(double columnWidth) const
+{
+    // Only the width and top are fixed by the rules; the label sits boxMargin inside its box.
+    const double boxWidth = columnWidth - 2 * C::categoryDistance;
+    return QRectF(C::boxMargin + C::boxMargin, top, boxWidth - 2 * C::boxMargin, height);
+}
+
+QRectF EventBoxGeometry::nameRect(const QRectF &box, double textHeight)
+{
+    return QRectF(box.left() + C::boxMargin, box.top() + C::eventDistance,
+                  box.width() - 2 * C::boxMargin, textHeight);
+}
+
+QRectF EventBoxGeometry::timeRect(const QRectF &box, double textWidth, double textHeight)
+{
+    return QRectF(box.left() + C::boxMargin, box.bottom() - C::eventDistance - textHeight,
+                  textWidth, textHeight);
+}
+
+QRectF EventBoxGeometry::iconRect(const QRectF &box, QSizeF iconSize)
+{
+    // The icon's frame is as high as the box less its margins and as wide as the icon; the
+    // picture is scaled down (never up) to fit it, keeping its proportions.
+    const double frameHeight = box.height() - 2 * C::boxMargin;
+    if (iconSize.isEmpty() || frameHeight <= 0)
+        return {};
+    const double scale = std::min(1.0, frameHeight / iconSize.height());
+    const QSizeF drawn = iconSize * scale;
+    return QRectF(box.center().x() - drawn.width() / 2, box.center().y() - drawn.height() / 2,
+                  drawn.width(), drawn.height());
+}
+
+QRectF EventBoxGeometry::copyButtonRect(const QRectF &box, QSizeF buttonSize)
+{
+    constexpr double inset = 6.0;
+    return QRectF(box.right() - inset - buttonSize.width(),
+                  box.bottom() - inset - buttonSize.height(), buttonSize.width(),
+                  buttonSize.height());
+}
+
+TimetableLayout::TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labelHeight)
+    : m_zone(std::move(zone))
+    , m_now(std::move(now))
+    , m_labelHeight(std::move(labelHeight))
+{}
+
+SectionList TimetableLayout::groupedByCategory(const SectionList &sections)
+{
+    QHash<QString, qsizetype> order;
+    for (const auto &section : sections)
+        order.insert(section->category, order.value(section->category, order.size()));
+    SectionList grouped = sections;
+    std::stable_sort(grouped.begin(), grouped.end(), [&](const auto &a, const auto &b) {
+        return order.value(a->category) < order.value(b->category);
+    });
+    return grouped;
+}
+
+TimetableGeometry TimetableLayout::build(const SectionList &sections, const QTimeZone &zone,
+                                         const QDateTime &now, const LabelHeight &labelHeight)
+{
+    TimetableLayout layout(zone, now, labelHeight);
+    LayoutCursor cursor;
+    for (const auto &section : groupedByCategory(sections))
+        layout.layoutSection(*section, cursor);
+    layout.closeLastCategory(cursor);
+    TimetableGeometry geometry = layout.takeGeometry();
+    geometry.contentHeight = cursor.contentHeight;
+    geometry.contentWidth = cursor.contentWidth;
+    return geometry;
+}
+
+void TimetableLayout::layoutSection(const Section &section, LayoutCursor &cursor)
+{
+    // A new category opens a box below the previous one, which is closed under its last label.
+    if (!m_categories.contains(section.category)) {
+        const std::optional<qsizetype> previous = cursor.categoryBox;
+        CategoryBoxGeometry box{section.category, 0, 0};
+        if (previous) {
+            CategoryBoxGeometry &closed = m_geometry.categoryBoxes[*previous];
+            closed.bottom =
+                m_geometry.sectionLabels.at(*cursor.sectionLabel).bottom() + C::sectionDistance;
+            box.top = closed.bottom + C::categoryDistance;
+        } else {
+            box.top = C::categoryDistance;
+        }
+        box.bottom = box.top;
+        m_geometry.categoryBoxes.append(box);
+        cursor.categoryBox = m_geometry.categoryBoxes.size() - 1;
+        m_categories.insert(section.category, *cursor.categoryBox);
+        cursor.contentHeight += C::categoryDistance + C::boxTitleHeight + C::sectionDistance;
+        cursor.sectionLabel.reset();
+    }
+
+    SectionLabelGeometry label;
+    label.text = section.name;
+    label.categoryBox = m_categories.value(section.category);
+    if (cursor.sectionLabel)
+        label.top = m_geometry.sectionLabels.at(*cursor.sectionLabel).bottom() + C::sectionDistance;
+    else
+        label.top = m_geometry.categoryBoxes.at(*cursor.categoryBox).top + C::sectionDistance +
+                    C::boxTitleHeight;
+    label.height = m_labelHeight(section.name);
+    m_geometry.sectionLabels.append(label);
+    cursor.sectionLabel = m_geometry.sectionLabels.size() - 1;
+
+    RowState row;
+    row.rowTop = cursor.contentHeight - C::sectionDistance - C::categoryDistance;
+    cursor.contentHeight += label.height + C::sectionDistance;
+
+    for (const auto &item : section.sequence)
+        addEventBox(item, *cursor.sectionLabel, row);
+    cursor.contentWidth = std::max(cursor.contentWidth, row.rowWidth);
+
+    // A section whose day starts and ends with the same event (a run across midnight) is
+    // published once: its registration in the day's first minute is dropped.
+    if (row.firstKey != -1 && row.firstName == row.lastName && row.firstKey >= -59 &&
+        row.firstKey <= 59)
+        m_geometry.globalSequence.erase(row.firstKey);
+}
+
+void TimetableLayout::addEventBox(const std::shared_ptr<SequenceItem> &item, qsizetype sectionLabel,
+                                  RowState &row)
+{
+    const Event &event = *item->event;
+    const qint64 minutes = minutesFromDayStart(*item, m_zone);
+    if (event.chatLink) {
+        const qint64 key = registerEvent(m_geometry.globalSequence, minutes * 60, item->event);
+        if (row.firstKey == -1) {
+            row.firstKey = key;
+            row.firstName = event.name;
+        }
+        row.lastName = event.name;
+    }
+    const double scaled = static_cast<double>(item->duration * C::minutesMultiplier);
+    const double h = m_geometry.sectionLabels.at(sectionLabel).height;
+
+    EventBoxGeometry box;
+    box.item = item;
+    box.minutes = minutes;
+    box.startText = startTimeText(*item, m_zone, m_now);
+    box.row = sectionLabel;
+    box.rect = QRectF(static_cast<double>(minutes * C::minutesMultiplier),
+                      row.rowTop + C::sectionDistance * 0.5 + C::boxMargin,
+                      scaled - C::eventDistance, h + C::sectionDistance - C::boxMargin);
+    m_geometry.eventBoxes.append(box);
+    row.rowWidth += scaled;
+}
+
+void TimetableLayout::closeLastCategory(LayoutCursor &cursor)
+{
+    if (cursor.categoryBox && cursor.sectionLabel)
+        m_geometry.categoryBoxes[*cursor.categoryBox].bottom =
+            m_geometry.sectionLabels.at(*cursor.sectionLabel).bottom() + C::sectionDistance;
+}
+
+qint64 TimetableLayout::registerEvent(GlobalSequence &sequence, qint64 seconds,
+                                      const std::shared_ptr<Event> &event)
+{
+    qint64 key = seconds;
+    while (sequence.contains(key))
+        ++key;
+    sequence.emplace(key, event);
+    return key;
+}
+
+} // namespace eventtimer

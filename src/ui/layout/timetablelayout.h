@@ -1,0 +1,132 @@
+#pragma once
+
+#include "layoutconstants.h"
+#include "section.h"
+
+#include <QDateTime>
+#include <QRectF>
+#include <QTimeZone>
+
+#include <functional>
+#include <map>
+#include <optional>
+
+namespace eventtimer {
+
+// The day's chat-link occurrences: start in seconds of the day (raised by 1 while taken) to
+// the event.
+using GlobalSequence = std::map<qint64, std::shared_ptr<Event>>;
+
+// A titled box framing the labels of one category, in the section column's coordinates. Its
+// left and width follow the column's width.
+struct CategoryBoxGeometry
+{
+    QString title;
+    double top = 0;
+    double bottom = 0; // set when the box is closed
+
+    QRectF rect(double columnWidth) const;
+};
+
+// The right-aligned name of one section, inside its category box.
+struct SectionLabelGeometry
+{
+    QString text;
+    qsizetype categoryBox = 0;
+    double top = 0;
+    double height = 0;
+
+    double bottom() const { return top + height; }
+    QRectF rect(double columnWidth) const;
+};
+
+// One occurrence on the time axis, in the timeline's coordinates.
+struct EventBoxGeometry
+{
+    std::shared_ptr<SequenceItem> item;
+    QRectF rect;
+    qint64 minutes = 0;
+    QString startText;
+    qsizetype row = 0;
+
+    const Event &event() const { return *item->event; }
+
+    // Where the parts of a box go: the name along the top, the start time at the bottom left,
+    // the icon centred, the copy button in the bottom-right corner.
+    static QRectF nameRect(const QRectF &box, double textHeight);
+    static QRectF timeRect(const QRectF &box, double textWidth, double textHeight);
+    static QRectF iconRect(const QRectF &box, QSizeF iconSize);
+    static QRectF copyButtonRect(const QRectF &box, QSizeF buttonSize);
+};
+
+// The running state carried from one section to the next while the timetable is laid out.
+struct LayoutCursor
+{
+    std::optional<qsizetype> categoryBox;
+    std::optional<qsizetype> sectionLabel;
+    double contentHeight = LayoutConstants::categoryDistance;
+    double contentWidth = 0.0;
+};
+
+// The per-section values that the event boxes of one row update.
+struct RowState
+{
+    double rowTop = 0;
+    double rowWidth = 0;
+    qint64 firstKey = -1;
+    QString firstName;
+    QString lastName;
+};
+
+struct TimetableGeometry
+{
+    QList<CategoryBoxGeometry> categoryBoxes;
+    QList<SectionLabelGeometry> sectionLabels;
+    QList<EventBoxGeometry> eventBoxes;
+    GlobalSequence globalSequence;
+    double contentHeight = LayoutConstants::categoryDistance;
+    double contentWidth = 0;
+};
+
+// Lays the timetable out without any window: category boxes stacked in the section column,
+// one label per section, one box per occurrence on the time axis, and the chat-link
+// registrations. Every number follows from the layout constants and the labels' height.
+class TimetableLayout
+{
+public:
+    using LabelHeight = std::function<double(const QString &)>;
+
+    // now and zone give each box its start text; labelHeight is the natural height of a
+    // section label showing the given name.
+    TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labelHeight);
+
+    // Sections of one category together, at the place of the category's first section;
+    // otherwise in document order.
+    static SectionList groupedByCategory(const SectionList &sections);
+
+    // The whole timetable: groups, lays out every section, closes the last box.
+    static TimetableGeometry build(const SectionList &sections, const QTimeZone &zone,
+                                   const QDateTime &now, const LabelHeight &labelHeight);
+
+    void layoutSection(const Section &section, LayoutCursor &cursor);
+    void addEventBox(const std::shared_ptr<SequenceItem> &item, qsizetype sectionLabel,
+                     RowState &row);
+    // Ties the last category box's bottom below its last label.
+    void closeLastCategory(LayoutCursor &cursor);
+
+    const TimetableGeometry &geometry() const { return m_geometry; }
+    TimetableGeometry takeGeometry() { return std::move(m_geometry); }
+
+    // Enters an event under the first free key at or after seconds.
+    static qint64 registerEvent(GlobalSequence &sequence, qint64 seconds,
+                                const std::shared_ptr<Event> &event);
+
+private:
+    QTimeZone m_zone;
+    QDateTime m_now;
+    LabelHeight m_labelHeight;
+    TimetableGeometry m_geometry;
+    QHash<QString, qsizetype> m_categories;
+};
+
+} // namespace eventtimer
