@@ -1,0 +1,9 @@
+#include "appdelegate.h"
+
+namespace eventtimer {
+
+void AppDelegate::applicationDidFinishLaunching() {}
+
+void AppDelegate::applicationWillTerminate() {}
+
+} // namespace eventtimer

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QObject>
+
+namespace eventtimer {
+
+// The application's delegate: told when the application has started and when it is about to
+// quit, and does nothing of its own at either. Nothing needs saving at exit: every stored value
+// was written when it was made.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    void applicationDidFinishLaunching();
+    void applicationWillTerminate();
+};
+
+} // namespace eventtimer

@@ -1,0 +1,286 @@
+#include "viewcontroller.h"
+
+#include "clock.h"
+#include "scroll/horizontalscroll.h"
+#include "timebase.h"
+#include "timelinewidget.h"
+
+#include <QEvent>
+#include <QFrame>
+#include <QGraphicsDropShadowEffect>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace eventtimer {
+
+namespace {
+
+// Keeps the children of a widget where the controller put them when it is resized.
+class ResizeWatcher : public QObject
+{
+public:
+    ResizeWatcher(QWidget *watched, std::function<void()> onResize)
+        : QObject(watched)
+        , m_onResize(std::move(onResize))
+    {
+        watched->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Resize)
+            m_onResize();
+        return false;
+    }
+
+private:
+    std::function<void()> m_onResize;
+};
+
+QLabel *plainLabel(const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
+    return label;
+}
+
+} // namespace
+
+ViewController::ViewController(SectionSource loadSections, SuiteExporter exportToSharedSuite,
+                               const Clock &clock, QObject *parent)
+    : QObject(parent)
+    , m_loadSections(std::move(loadSections))
+    , m_exportToSharedSuite(std::move(exportToSharedSuite))
+    , m_clock(clock)
+    , m_timeLabel(new QLabel)
+{
+    m_timeLabel->setTextFormat(Qt::PlainText);
+}
+
+ViewController::~ViewController()
+{
+    // The clock label belongs to the controller until the timeline takes it.
+    if (m_timeLabel && !m_timeLabel->parent())
+        delete m_timeLabel;
+    delete m_view;
+}
+
+QWidget *ViewController::view()
+{
+    if (!m_view)
+        loadView();
+    return m_view;
+}
+
+void ViewController::loadView()
+{
+    m_view = new QWidget;
+    auto *layout = new QVBoxLayout(m_view);
+    layout->setContentsMargins(0, 0, 0, 0);
+
+    m_verticalScroll = new QScrollArea(m_view);
+    m_verticalScroll->setWidgetResizable(true);
+    m_verticalScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_verticalScroll->setFrameShape(QFrame::NoFrame);
+    layout->addWidget(m_verticalScroll);
+
+    // The section column and the time axis sit side by side with level tops, so every row
+    // lines up with its label.
+    m_verticalScrollContent = new QWidget;
+    auto *row = new QHBoxLayout(m_verticalScrollContent);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    m_sectionsView = new QWidget(m_verticalScrollContent);
+    m_horizontalScroll = new HorizontalScroll(m_verticalScrollContent);
+    m_horizontalScrollContent = new TimelineWidget;
+    m_horizontalScroll->setWidget(m_horizontalScrollContent);
+    row->addWidget(m_sectionsView, 0, Qt::AlignTop);
+    row->addWidget(m_horizontalScroll, 1);
+    m_verticalScroll->setWidget(m_verticalScrollContent);
+
+    m_emptyMessage = plainLabel(u"No events could be loaded."_s, m_view);
+    m_emptyMessage->setAlignment(Qt::AlignCenter);
+    m_emptyMessage->hide();
+    layout->addWidget(m_emptyMessage, 1);
+
+    m_clipboardMessage = new QFrame(m_view);
+    m_clipboardMessage->setFrameShape(QFrame::StyledPanel);
+    m_clipboardMessage->setAutoFillBackground(true);
+    auto *messageLayout = new QHBoxLayout(m_clipboardMessage);
+    messageLayout->addWidget(
+        plainLabel(u"Chat link copied to the clipboard"_s, m_clipboardMessage));
+    m_clipboardMessage->adjustSize();
+    m_clipboardMessage->hide();
+    const auto placeMessage = [this] {
+        const QSize size = m_clipboardMessage->sizeHint();
+        m_clipboardMessage->setGeometry((m_view->width() - size.width()) / 2,
+                                        m_view->height() - size.height() - 24, size.width(),
+                                        size.height());
+    };
+    new ResizeWatcher(m_view, placeMessage);
+}
+
+void ViewController::viewDidLoad()
+{
+    view();
+    m_sections = m_loadSections();
+}
+
+void ViewController::viewDidAppear()
+{
+    if (!m_built)
+        buildTimetable();
+}
+
+double ViewController::labelHeight(const QString &name) const
+{
+    // The natural height of a plain, right-aligned label showing the name.
+    const QFontMetrics metrics(m_sectionsView->font());
+    return metrics.boundingRect(QRect(), Qt::AlignRight, name).height();
+}
+
+int ViewController::sectionColumnWidth() const
+{
+    const QFontMetrics metrics(m_sectionsView->font());
+    int widest = 0;
+    for (const auto &section : m_sections) {
+        widest =
+            std::max(widest, metrics.boundingRect(QRect(), Qt::AlignRight, section->name).width());
+        widest = std::max(widest, metrics.horizontalAdvance(section->category) + 20);
+    }
+    // The labels sit two margins inside their boxes, which sit inside the column.
+    const int needed = widest + static_cast<int>(4 * boxMargin + 2 * categoryDistance) + 8;
+    return std::clamp(needed, 160, 320);
+}
+
+void ViewController::placeSectionColumn()
+{
+    const double width = m_sectionsView->width();
+    for (qsizetype i = 0; i < m_geometry.categoryBoxes.size(); ++i) {
+        const CategoryBoxGeometry &geometry = m_geometry.categoryBoxes.at(i);
+        QGroupBox *box = m_categories.value(geometry.title);
+        box->setGeometry(geometry.rect(width).toAlignedRect());
+    }
+    for (qsizetype i = 0; i < m_geometry.sectionLabels.size(); ++i) {
+        const SectionLabelGeometry &geometry = m_geometry.sectionLabels.at(i);
+        const QRectF box = m_geometry.categoryBoxes.at(geometry.categoryBox).rect(width);
+        m_sectionLabels.at(i)->setGeometry(
+            geometry.rect(width).translated(-box.topLeft()).toAlignedRect());
+    }
+}
+
+void ViewController::buildTimetable()
+{
+    view();
+    m_built = true;
+    const QDateTime now = m_clock.now();
+    const QTimeZone zone = m_clock.zone();
+
+    // The clipboard message waits, hidden, with its shadow.
+    auto *shadow = new QGraphicsDropShadowEffect(m_clipboardMessage);
+    shadow->setBlurRadius(10.0);
+    shadow->setColor(Qt::black);
+    m_clipboardMessage->setGraphicsEffect(shadow);
+    m_clipboardMessage->hide();
+
+    // The clock label stands beside the marker, near the top of the time axis.
+    m_timeLabel->setParent(m_horizontalScrollContent);
+    m_timeLabel->setAutoFillBackground(true);
+    QPalette palette = m_timeLabel->palette();
+    palette.setColor(QPalette::Window, Qt::red);
+    palette.setColor(QPalette::WindowText, Qt::white);
+    m_timeLabel->setPalette(palette);
+    m_timeLabel->show();
+
+    m_timer = new QTimer(this);
+    m_timer->setInterval(timeUpdateIntervalMs);
+    connect(m_timer, &QTimer::timeout, this, &ViewController::timeUpdate);
+    m_timer->start();
+
+    m_geometry = TimetableLayout::build(m_sections, zone, now,
+                                        [this](const QString &name) { return labelHeight(name); });
+    m_globalSequence = m_geometry.globalSequence;
+
+    // Category boxes and their labels are real widgets: a few dozen at most.
+    m_sectionsView->setFixedWidth(sectionColumnWidth());
+    for (const CategoryBoxGeometry &geometry : std::as_const(m_geometry.categoryBoxes)) {
+        auto *box = new QGroupBox(geometry.title, m_sectionsView);
+        m_categories.insert(geometry.title, box);
+        box->show(); // the column may already be on screen
+    }
+    for (const SectionLabelGeometry &geometry : std::as_const(m_geometry.sectionLabels)) {
+        const CategoryBoxGeometry &category = m_geometry.categoryBoxes.at(geometry.categoryBox);
+        QLabel *label = plainLabel(geometry.text, m_categories.value(category.title));
+        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        label->setToolTip(geometry.text.toHtmlEscaped());
+        label->show();
+        m_sectionLabels.append(label);
+    }
+    placeSectionColumn();
+    new ResizeWatcher(m_sectionsView, [this] { placeSectionColumn(); });
+    m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
+
+    // Sizes: each content at least as large as its scroll area, and as large as the day.
+    const int contentHeight = static_cast<int>(std::ceil(m_geometry.contentHeight));
+    const int scrollBar = m_horizontalScroll->horizontalScrollBar()->sizeHint().height();
+    m_sectionsView->setFixedHeight(contentHeight);
+    m_verticalScrollContent->setMinimumHeight(contentHeight + scrollBar);
+    m_horizontalScrollContent->setMinimumSize(
+        std::max(static_cast<int>(std::ceil(m_geometry.contentWidth)),
+                 m_horizontalScroll->viewport()->width()),
+        contentHeight);
+    m_horizontalScrollContent->resize(m_horizontalScrollContent->minimumSize());
+    new ResizeWatcher(m_horizontalScroll->viewport(), [this] {
+        m_horizontalScrollContent->resize(
+            std::max(static_cast<int>(std::ceil(m_geometry.contentWidth)),
+                     m_horizontalScroll->viewport()->width()),
+            std::max(static_cast<int>(std::ceil(m_geometry.contentHeight)),
+                     m_horizontalScroll->viewport()->height()));
+    });
+    m_verticalScroll->verticalScrollBar()->setValue(0);
+
+    const bool empty = m_sections.isEmpty();
+    m_verticalScroll->setVisible(!empty);
+    m_emptyMessage->setVisible(empty);
+
+    if (m_exportToSharedSuite)
+        m_exportToSharedSuite(m_globalSequence);
+    updateCurrentTime();
+}
+
+void ViewController::updateCurrentTime()
+{
+    const QDateTime now = m_clock.now();
+    const double x = timebase::markerX(now);
+    m_timeConstraint = x;
+    if (m_horizontalScrollContent) {
+        m_horizontalScrollContent->setMarkerX(x);
+        m_timeLabel->move(static_cast<int>(x + 1.0 + eventDistance),
+                          static_cast<int>(eventDistance));
+    }
+    m_timeLabel->setText(timebase::clockText(now, m_clock.zone()));
+    m_timeLabel->adjustSize();
+    if (m_horizontalScroll) {
+        const double target = timebase::scrollTarget(x, m_horizontalScroll->width());
+        m_horizontalScroll->horizontalScrollBar()->setValue(static_cast<int>(std::floor(target)));
+    }
+}
+
+void ViewController::timeUpdate()
+{
+    updateCurrentTime();
+}
+
+} // namespace eventtimer
