@@ -77,8 +77,10 @@ std::unique_ptr<QSettings> SettingsStore::openStandard()
 
 std::unique_ptr<QSettings> SettingsStore::openSuite(const QString &suite)
 {
+    // The store's own format, like the standard store: Qt's text format would hand the exported
+    // start times back to a reader as strings.
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return std::make_unique<QSettings>(folder + u'/' + suite + u".conf"_s, QSettings::NativeFormat);
+    return std::make_unique<QSettings>(folder + u'/' + suite + u".conf"_s, format());
 }
 
 QVariant SettingsStore::value(const QString &key) const

@@ -29,7 +29,8 @@ public:
     static std::unique_ptr<QSettings> openStandard();
     // The format of the standard store: binary, reading hand-written text files too.
     static QSettings::Format format();
-    // A named suite shared with companion programs: $XDG_CONFIG_HOME/<suite>.conf.
+    // A named suite shared with companion programs: $XDG_CONFIG_HOME/<suite>.conf, in the same
+    // format.
     static std::unique_ptr<QSettings> openSuite(const QString &suite);
 
     QVariant value(const QString &key) const override;

@@ -69,6 +69,8 @@ private Q_SLOTS:
     void jsonOutput_data();
     void jsonOutput();
     void jsonEvents();
+    void exportArrays_data();
+    void exportArrays();
     void unreadableDocument_data();
     void unreadableDocument();
     void usageErrors_data();
@@ -326,6 +328,92 @@ void TestChecker::jsonEvents()
              u"#0a141ecc"_s);
 }
 
+void TestChecker::exportArrays_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QTimeZone>("zone");
+    QTest::addColumn<QDateTime>("now");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QJsonArray>("times");
+    QTest::addColumn<QStringList>("sequence");
+    QTest::addColumn<QStringList>("sections");
+    QTest::addColumn<QStringList>("chatLinks");
+    QTest::addColumn<QString>("err");
+
+    // Sections are laid out by category: Breakwater, Pier (both Harbour Fleet), then Lagoon.
+    // Breakwater registers Beacon 00:00 (0), Storm Watch 01:00 (3600), Beacon 22:00 (79200);
+    // it starts and ends with Beacon in the first minute, so key 0 is dropped again. Pier then
+    // takes 0 for Regatta, skips Net Mending (no chat link) and raises Ferry at 01:00 to 3601.
+    // Lagoon's Pearl Dive at 01:00 takes 3602, its Moonrise at 23:59 86340.
+    const QJsonArray times{0, 3600, 3601, 3602, 79200, 86340};
+    const QStringList sequence{u"Regatta"_s,    u"Storm Watch"_s, u"Ferry"_s,
+                               u"Pearl Dive"_s, u"Beacon"_s,      u"Moonrise"_s};
+    const QStringList sections{u"Pier"_s,   u"Breakwater"_s, u"Pier"_s,
+                               u"Lagoon"_s, u"Breakwater"_s, u"Lagoon"_s};
+    const QStringList chatLinks{u"[&BAEAAAA=]"_s, u"[&BAQAAAA=]"_s, u"[&BAIAAAA=]"_s,
+                                u"[&BAUAAAA=]"_s, u"[&BAMAAAA=]"_s, u"[&BAYAAAA=]"_s};
+    // Keys count from local midnight, so the zone changes nothing.
+    QTest::newRow("same minute, midnight and 23:59 at UTC")
+        << u"export.json"_s << utc << noon << 0 << times << sequence << sections << chatLinks
+        << QString();
+    QTest::newRow("the same at UTC+2") << u"export.json"_s << plusTwo << noon << 0 << times
+                                       << sequence << sections << chatLinks << QString();
+    QTest::newRow("the same at UTC-5, the day before")
+        << u"export.json"_s << minusFive << earlyMorning << 0 << times << sequence << sections
+        << chatLinks << QString();
+    QTest::newRow("empty document: four empty arrays")
+        << u"empty.json"_s << utc << noon << 0 << QJsonArray{} << QStringList{} << QStringList{}
+        << QStringList{} << QString();
+    // Dune Fort has no chat link. Oasis: Caravan at 00:30 and every 120 minutes after, up to
+    // 22:30. First and last are both Caravan, but the first is not in the day's first minute.
+    QTest::newRow("skipped records on standard error")
+        << u"skipped.json"_s << utc << noon << 1
+        << QJsonArray{1800,  9000,  16200, 23400, 30600, 37800,
+                      45000, 52200, 59400, 66600, 73800, 81000}
+        << QStringList(12, u"Caravan"_s) << QStringList(12, u"Oasis"_s)
+        << QStringList(12, u"[&BOcBAAA=]"_s)
+        << u"[ERROR] Skipped section 2: not an object (found 42)\n"
+           u"[ERROR] Skipped section 4: \"Salt Mine\": \"pattern\" entry 1: \"r\" = 1 points "
+           u"past the section's events (1 event, 0 skipped segment keys)\n"
+           u"[ERROR] Skipped section 5: \"Glacier\", \"sequences\": \"pattern\" is missing\n"_s;
+}
+
+void TestChecker::exportArrays()
+{
+    QFETCH(QString, file);
+    QFETCH(QTimeZone, zone);
+    QFETCH(QDateTime, now);
+    QFETCH(int, status);
+    QFETCH(QJsonArray, times);
+    QFETCH(QStringList, sequence);
+    QFETCH(QStringList, sections);
+    QFETCH(QStringList, chatLinks);
+    QFETCH(QString, err);
+
+    const Outcome outcome = check({u"--export"_s, dataFile(file)}, now, zone);
+    QCOMPARE(outcome.err, err);
+    QCOMPARE(outcome.status, status);
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(outcome.out.toUtf8(), &error);
+    QVERIFY2(error.error == QJsonParseError::NoError,
+             qPrintable(error.errorString() + u'\n' + outcome.out));
+    const QJsonObject expected{
+        {u"varn_global_events_times"_s, times},
+        {u"varn_global_events_sequence"_s, QJsonArray::fromStringList(sequence)},
+        {u"varn_global_events_sections"_s, QJsonArray::fromStringList(sections)},
+        {u"varn_global_events_chatlinks"_s, QJsonArray::fromStringList(chatLinks)}};
+    QCOMPARE(document.object(), expected);
+
+    // Indented for people, and in the order the suite is written.
+    QVERIFY(outcome.out.startsWith(u"{\n    \"varn_global_events_times\": ["_s));
+    const qsizetype sequenceAt = outcome.out.indexOf(u"\n    \"varn_global_events_sequence\""_s);
+    const qsizetype sectionsAt = outcome.out.indexOf(u"\n    \"varn_global_events_sections\""_s);
+    const qsizetype chatLinksAt = outcome.out.indexOf(u"\n    \"varn_global_events_chatlinks\""_s);
+    QVERIFY2(0 < sequenceAt && sequenceAt < sectionsAt && sectionsAt < chatLinksAt,
+             qPrintable(outcome.out));
+    QVERIFY(outcome.out.endsWith(u"\n}\n"_s));
+}
+
 void TestChecker::unreadableDocument_data()
 {
     QTest::addColumn<QString>("path");
@@ -357,7 +445,8 @@ void TestChecker::unreadableDocument()
     QFETCH(QString, path);
     QFETCH(QString, message);
 
-    for (const QStringList &arguments : {QStringList{path}, QStringList{u"--json"_s, path}}) {
+    for (const QStringList &arguments :
+         {QStringList{path}, QStringList{u"--json"_s, path}, QStringList{u"--export"_s, path}}) {
         const Outcome outcome = check(arguments, noon, utc);
         QCOMPARE(outcome.status, 2);
         QCOMPARE(outcome.out, QString());
@@ -385,6 +474,8 @@ void TestChecker::usageErrors_data()
         << QStringList{u"--at"_s, u"2026-02-30T12:00:00"_s, file}
         << u"--at: \"2026-02-30T12:00:00\" is not an ISO 8601 date-time such as "
            u"2026-11-22T12:00:00"_s;
+    QTest::newRow("--export with --json") << QStringList{u"--export"_s, u"--json"_s, file}
+                                          << u"--export and --json cannot be combined"_s;
 }
 
 void TestChecker::usageErrors()
@@ -397,7 +488,7 @@ void TestChecker::usageErrors()
     QCOMPARE(outcome.out, QString());
     const QStringList lines = outcome.err.split(u'\n');
     QCOMPARE(lines.first(), u"eventtimer-check: "_s + message);
-    QVERIFY(lines.contains(u"Usage: eventtimer-check [--json] [--at DATETIME] FILE"_s));
+    QVERIFY(lines.contains(u"Usage: eventtimer-check [--json | --export] [--at DATETIME] FILE"_s));
 }
 
 void TestChecker::help()
@@ -406,8 +497,10 @@ void TestChecker::help()
     const Outcome outcome = check({u"--help"_s, u"missing.json"_s}, noon, utc);
     QCOMPARE(outcome.status, 0);
     QCOMPARE(outcome.err, QString());
-    QVERIFY(outcome.out.startsWith(u"Usage: eventtimer-check [--json] [--at DATETIME] FILE\n"_s));
+    QVERIFY(outcome.out.startsWith(
+        u"Usage: eventtimer-check [--json | --export] [--at DATETIME] FILE\n"_s));
     QVERIFY(outcome.out.contains(u"--at DATETIME"_s));
+    QVERIFY(outcome.out.contains(u"(not with --json)"_s));
 }
 
 void TestChecker::realProgram()

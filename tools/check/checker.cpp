@@ -6,6 +6,8 @@
 #include "section.h"
 #include "sequenceitem.h"
 #include "sequencetime.h"
+#include "suiteexport.h"
+#include "timetablelayout.h"
 
 #include <QCommandLineParser>
 #include <QFile>
@@ -27,7 +29,7 @@ constexpr int exitSectionsSkipped = 1;
 // Also the status of a wrong command line: either way nothing was checked.
 constexpr int exitUnreadable = 2;
 
-constexpr const char *usage = "Usage: eventtimer-check [--json] [--at DATETIME] FILE\n";
+constexpr const char *usage = "Usage: eventtimer-check [--json | --export] [--at DATETIME] FILE\n";
 
 constexpr const char *help =
     "\n"
@@ -36,6 +38,9 @@ constexpr const char *help =
     "\n"
     "Options:\n"
     "  --json         write the same as indented JSON\n"
+    "  --export       write only the four arrays that the timetable publishes to the shared\n"
+    "                 suite for that day, as indented JSON (not with --json); skipped records\n"
+    "                 go to standard error\n"
     "  --at DATETIME  check the day of DATETIME instead of today: ISO 8601, such as\n"
     "                 2026-11-22T12:00:00 (local time) or 2026-11-22T10:00:00Z\n"
     "  -h, --help     show this help\n"
@@ -47,6 +52,7 @@ struct Options
 {
     bool help = false;
     bool json = false;
+    bool exportArrays = false;
     QDateTime now;
     QString file;
 };
@@ -69,9 +75,10 @@ Result<Options> parseArguments(const QStringList &arguments, const QDateTime &no
 {
     const QCommandLineOption helpOption(QStringList{u"h"_s, u"help"_s});
     const QCommandLineOption jsonOption(u"json"_s);
+    const QCommandLineOption exportOption(u"export"_s);
     const QCommandLineOption atOption(u"at"_s, QString(), u"DATETIME"_s);
     QCommandLineParser parser;
-    parser.addOptions({helpOption, jsonOption, atOption});
+    parser.addOptions({helpOption, jsonOption, exportOption, atOption});
     // The parser skips the first argument as the program's name.
     if (!parser.parse(QStringList{u"eventtimer-check"_s} + arguments))
         return Error{parser.errorText()};
@@ -81,6 +88,10 @@ Result<Options> parseArguments(const QStringList &arguments, const QDateTime &no
     if (options.help)
         return options;
     options.json = parser.isSet(jsonOption);
+    options.exportArrays = parser.isSet(exportOption);
+    // Two different documents: neither would be what the option asked for.
+    if (options.json && options.exportArrays)
+        return Error{u"--export and --json cannot be combined"_s};
     options.now = now;
     if (parser.isSet(atOption)) {
         const Result<QDateTime> moment = parseMoment(parser.value(atOption), zone);
@@ -300,6 +311,40 @@ void writeJson(QTextStream &out, const QList<Entry> &entries, const Day &day)
     out << QString::fromUtf8(QJsonDocument(report).toJson(QJsonDocument::Indented));
 }
 
+// The arrays in the order the suite is written, which QJsonObject would sort away: each
+// member is indented by Qt as the only member of an object, then the members are joined.
+void writeSuiteArrays(QTextStream &out, const SuiteArrays &arrays)
+{
+    QJsonArray times;
+    for (const qint64 time : arrays.times)
+        times.append(time);
+    const QList<std::pair<QStringView, QJsonArray>> members{
+        {suitekeys::times, times},
+        {suitekeys::sequence, QJsonArray::fromStringList(arrays.sequence)},
+        {suitekeys::sections, QJsonArray::fromStringList(arrays.sections)},
+        {suitekeys::chatLinks, QJsonArray::fromStringList(arrays.chatLinks)}};
+    QStringList lines;
+    for (const auto &[key, array] : members) {
+        const QString object = QString::fromUtf8(
+            QJsonDocument(QJsonObject{{key.toString(), array}}).toJson(QJsonDocument::Indented));
+        // Without the object's own "{\n" and "\n}\n".
+        lines.append(object.mid(2).chopped(3));
+    }
+    out << "{\n" << lines.join(u",\n"_s) << "\n}\n";
+}
+
+void writeExport(QTextStream &out, QTextStream &err, const ParsedDocument &parsed, const Day &day)
+{
+    for (const SkippedSection &skipped : parsed.skipped)
+        err << skipped.line() << '\n';
+    err.flush();
+    // The same road as the window: the layout registers the chat-link occurrences and the
+    // export turns them into arrays. The labels' height moves boxes, never registrations.
+    const TimetableGeometry geometry = TimetableLayout::build(parsed.sections, day.zone, day.now,
+                                                              [](const QString &) { return 17.0; });
+    writeSuiteArrays(out, suiteArrays(geometry.globalSequence));
+}
+
 } // namespace
 
 int run(const QStringList &arguments, QTextStream &out, QTextStream &err, const QDateTime &now,
@@ -332,7 +377,9 @@ int run(const QStringList &arguments, QTextStream &out, QTextStream &err, const 
         parseDocument(document.value(), ParseContext{scheduleDay, nullptr});
     const QList<Entry> entries = inDocumentOrder(parsed);
     const Day day{dateTimeFromSeconds(scheduleDay.start(), zone), zone, given.now};
-    if (given.json)
+    if (given.exportArrays)
+        writeExport(out, err, parsed, day);
+    else if (given.json)
         writeJson(out, entries, day);
     else
         writeText(out, entries, day);
