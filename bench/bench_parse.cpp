@@ -1,3 +1,4 @@
+#include "benchdocuments.h"
 #include "documentparser.h"
 #include "scheduleday.h"
 
@@ -8,37 +9,9 @@
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
+using namespace eventtimer::bench;
 
 namespace {
-
-// The stress document holds this many copies of every section of the realistic one:
-// 18 × 11 = 198 sections, a little over 6 000 occurrences.
-constexpr int stressCopies = 11;
-
-QByteArray readDocument(const QString &name)
-{
-    QFile file(QString::fromUtf8(EVENTTIMER_TEST_DATA_DIR) + u"/documents/"_s + name);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return file.readAll();
-}
-
-// Copies every section `copies` times; each copy after the first gets " (n)" after its name so
-// that no two sections share one.
-QJsonArray replicated(const QJsonArray &document, int copies)
-{
-    QJsonArray result;
-    for (int copy = 1; copy <= copies; ++copy) {
-        for (const QJsonValue &element : document) {
-            QJsonObject section = element.toObject();
-            if (copy > 1)
-                section[u"name"] =
-                    section.value(u"name").toString() + u" ("_s + QString::number(copy) + u')';
-            result.append(section);
-        }
-    }
-    return result;
-}
 
 qsizetype occurrencesOf(const SectionList &sections)
 {

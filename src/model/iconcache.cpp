@@ -8,6 +8,8 @@
 #include <QTextBoundaryFinder>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace eventtimer {
 
 namespace {
@@ -15,6 +17,13 @@ namespace {
 // Splits text at every user-perceived character equal to separator, dropping empty pieces.
 QStringList splitByCharacters(const QString &text, QChar separator)
 {
+    // In plain ASCII every character stands alone (only "\r\n" pairs up), so a plain split
+    // gives the same pieces; URLs nearly always are.
+    const bool ascii =
+        std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 0x80; });
+    if (ascii)
+        return text.split(separator, Qt::SkipEmptyParts);
+
     QStringList pieces;
     QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, text);
     qsizetype pieceStart = 0;

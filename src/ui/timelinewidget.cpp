@@ -8,6 +8,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QStaticText>
 #include <QToolTip>
 
 using namespace Qt::StringLiterals;
@@ -18,14 +19,23 @@ namespace {
 
 constexpr double cornerRadius = 4.0;
 
-// The name and time carry a soft white halo, so they read on any fill colour.
-void drawHaloText(QPainter &painter, const QRectF &rect, int flags, const QString &text)
+// The name and time carry a soft white halo, so they read on any fill colour. Static texts
+// are laid out once and then only placed.
+void drawHaloText(QPainter &painter, QPointF topLeft, const QStaticText &text)
 {
-    painter.setPen(QColor(255, 255, 255, 150));
-    for (const QPointF offset : {QPointF(-1, 0), QPointF(1, 0), QPointF(0, -1), QPointF(0, 1)})
-        painter.drawText(rect.translated(offset), flags, text);
+    painter.setPen(QColor(255, 255, 255, 170));
+    painter.drawStaticText(topLeft + QPointF(-1, 0), text);
+    painter.drawStaticText(topLeft + QPointF(1, 0), text);
     painter.setPen(Qt::black);
-    painter.drawText(rect, flags, text);
+    painter.drawStaticText(topLeft, text);
+}
+
+QStaticText plainStaticText(const QString &text)
+{
+    QStaticText prepared(text);
+    prepared.setTextFormat(Qt::PlainText);
+    prepared.setPerformanceHint(QStaticText::AggressiveCaching);
+    return prepared;
 }
 
 // Two overlapping sheets: the usual sign for "copy".
@@ -55,8 +65,9 @@ TimelineWidget::TimelineWidget(QWidget *parent)
 void TimelineWidget::setBoxes(QList<EventBoxGeometry> boxes)
 {
     m_boxes = std::move(boxes);
-    m_elidedNames = QList<std::optional<QString>>(m_boxes.size());
+    m_nameTexts = QList<std::optional<QStaticText>>(m_boxes.size());
     m_icons.clear();
+    m_boxPixmaps.clear();
     update();
 }
 
@@ -100,16 +111,46 @@ const QPixmap &TimelineWidget::iconOf(const Event &event)
     return it.value();
 }
 
-const QString &TimelineWidget::elidedName(qsizetype index)
+const QStaticText &TimelineWidget::nameText(qsizetype index)
 {
-    std::optional<QString> &name = m_elidedNames[index];
+    std::optional<QStaticText> &name = m_nameTexts[index];
     if (!name) {
         const QRectF box = m_boxes.at(index).rect;
         const int width = static_cast<int>(box.width() - 2 * LayoutConstants::boxMargin);
-        name = fontMetrics().elidedText(m_boxes.at(index).event().name, Qt::ElideRight,
-                                        std::max(width, 0));
+        name = plainStaticText(fontMetrics().elidedText(m_boxes.at(index).event().name,
+                                                        Qt::ElideRight, std::max(width, 0)));
     }
     return *name;
+}
+
+const QPixmap &TimelineWidget::buttonPixmap(ButtonState state)
+{
+    // Every copy button looks the same: drawn once per state, then copied.
+    QPixmap &pixmap = m_buttonPixmaps[static_cast<int>(state)];
+    if (pixmap.isNull()) {
+        const qreal ratio = devicePixelRatioF();
+        pixmap = QPixmap((copyButtonSize * ratio).toSize());
+        pixmap.setDevicePixelRatio(ratio);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF button(QPointF(0, 0), copyButtonSize);
+        painter.setPen(QPen(QColor(0, 0, 0, 120), 1.0));
+        painter.setBrush(state == ButtonState::Pressed   ? QColor(200, 200, 200)
+                         : state == ButtonState::Hovered ? QColor(255, 255, 255)
+                                                         : QColor(255, 255, 255, 200));
+        painter.drawRoundedRect(button.adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+        drawCopyGlyph(painter, button);
+    }
+    return pixmap;
+}
+
+const QStaticText &TimelineWidget::timeText(const QString &text)
+{
+    auto it = m_timeTexts.find(text);
+    if (it == m_timeTexts.end())
+        it = m_timeTexts.insert(text, plainStaticText(text));
+    return it.value();
 }
 
 void TimelineWidget::paintEvent(QPaintEvent *event)
@@ -121,9 +162,50 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
     if (m_markerX) {
         painter.fillRect(QRectF(*m_markerX, 0, 1.0, height()), Qt::red);
     }
-    for (qsizetype i = 0; i < m_boxes.size(); ++i)
-        if (m_boxes.at(i).rect.intersects(exposed))
+    // The first paint draws straight away: nothing is cached yet, and a start should not wait
+    // for pixmaps it may never reuse.
+    for (qsizetype i = 0; i < m_boxes.size(); ++i) {
+        const QRectF rect = m_boxes.at(i).rect;
+        if (!rect.intersects(exposed) || rect.width() <= 0 || rect.height() <= 0)
+            continue;
+        if (m_paintedOnce)
+            painter.drawPixmap(rect.topLeft(), boxPixmap(i));
+        else
             paintBox(painter, i);
+    }
+    m_paintedOnce = true;
+}
+
+const QPixmap &TimelineWidget::boxPixmap(qsizetype index)
+{
+    if (const QPixmap *cached = m_boxPixmaps.object(index))
+        return *cached;
+    const QRectF rect = m_boxes.at(index).rect;
+    const qreal ratio = devicePixelRatioF();
+    auto *pixmap = new QPixmap((rect.size() * ratio).toSize().expandedTo(QSize(1, 1)));
+    pixmap->setDevicePixelRatio(ratio);
+    pixmap->fill(Qt::transparent);
+    QPainter painter(pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setFont(font());
+    painter.translate(-rect.topLeft());
+    paintBox(painter, index);
+    painter.end();
+    const qsizetype kilobytes =
+        std::max<qsizetype>(1, qsizetype{pixmap->width()} * pixmap->height() * 4 / 1024);
+    // A box larger than the whole cache is drawn from a pixmap that is not kept.
+    if (!m_boxPixmaps.insert(index, pixmap, kilobytes)) {
+        m_uncached = *pixmap;
+        delete pixmap;
+        return m_uncached;
+    }
+    return *m_boxPixmaps.object(index);
+}
+
+void TimelineWidget::invalidateBox(qsizetype index)
+{
+    m_boxPixmaps.remove(index);
+    update(m_boxes.at(index).rect.toAlignedRect());
 }
 
 void TimelineWidget::paintBox(QPainter &painter, qsizetype index)
@@ -131,28 +213,27 @@ void TimelineWidget::paintBox(QPainter &painter, qsizetype index)
     const EventBoxGeometry &box = m_boxes.at(index);
     const Event &event = box.event();
     const QRectF rect = box.rect;
-    if (rect.width() <= 0 || rect.height() <= 0)
-        return;
 
-    // A groove: a dark outer line with a light one inside it.
+    // A groove: a dark outer line, and a light one inside it along the top and left.
     painter.setPen(QPen(QColor(0, 0, 0, 110), 1.0));
     painter.setBrush(event.backgroundColor.toQColor());
     painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
     painter.setPen(QPen(QColor(255, 255, 255, 120), 1.0));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(rect.adjusted(1.5, 1.5, -1.5, -1.5), cornerRadius - 1,
-                            cornerRadius - 1);
+    painter.drawLine(QPointF(rect.left() + cornerRadius, rect.top() + 1.5),
+                     QPointF(rect.right() - cornerRadius, rect.top() + 1.5));
+    painter.drawLine(QPointF(rect.left() + 1.5, rect.top() + cornerRadius),
+                     QPointF(rect.left() + 1.5, rect.bottom() - cornerRadius));
 
     painter.save();
     painter.setClipRect(rect);
     const QFontMetricsF metrics(font());
     const double textHeight = metrics.height();
-    drawHaloText(painter, EventBoxGeometry::nameRect(rect, textHeight),
-                 Qt::AlignLeft | Qt::AlignTop, elidedName(index));
+    drawHaloText(painter, EventBoxGeometry::nameRect(rect, textHeight).topLeft(), nameText(index));
+    const QStaticText &time = timeText(box.startText);
     drawHaloText(
         painter,
-        EventBoxGeometry::timeRect(rect, metrics.horizontalAdvance(box.startText) + 1, textHeight),
-        Qt::AlignLeft | Qt::AlignBottom, box.startText);
+        EventBoxGeometry::timeRect(rect, time.size().width(), time.size().height()).topLeft(),
+        time);
 
     if (event.icon && !event.icon->isNull()) {
         const QPixmap &icon = iconOf(event);
@@ -163,15 +244,12 @@ void TimelineWidget::paintBox(QPainter &painter, qsizetype index)
     }
 
     if (event.chatLink) {
-        const QRectF button = copyButtonRect(index);
         const bool hovered = m_hoveredButton == index;
         const bool pressed = m_pressedButton == index && hovered;
-        painter.setPen(QPen(QColor(0, 0, 0, 120), 1.0));
-        painter.setBrush(pressed   ? QColor(200, 200, 200)
-                         : hovered ? QColor(255, 255, 255)
-                                   : QColor(255, 255, 255, 200));
-        painter.drawRoundedRect(button.adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
-        drawCopyGlyph(painter, button);
+        painter.drawPixmap(copyButtonRect(index).topLeft(),
+                           buttonPixmap(pressed   ? ButtonState::Pressed
+                                        : hovered ? ButtonState::Hovered
+                                                  : ButtonState::Normal));
     }
     painter.restore();
 }
@@ -181,10 +259,10 @@ void TimelineWidget::setHovered(std::optional<qsizetype> button)
     if (button == m_hoveredButton)
         return;
     if (m_hoveredButton)
-        update(copyButtonRect(*m_hoveredButton).toAlignedRect().adjusted(-1, -1, 1, 1));
+        invalidateBox(*m_hoveredButton);
     m_hoveredButton = button;
     if (button) {
-        update(copyButtonRect(*button).toAlignedRect().adjusted(-1, -1, 1, 1));
+        invalidateBox(*button);
         setCursor(Qt::PointingHandCursor);
     } else {
         unsetCursor();
@@ -202,7 +280,7 @@ void TimelineWidget::mousePressEvent(QMouseEvent *event)
     if (event->button() == Qt::LeftButton) {
         if (const std::optional<qsizetype> button = copyButtonAt(event->position())) {
             m_pressedButton = button;
-            update(copyButtonRect(*button).toAlignedRect().adjusted(-1, -1, 1, 1));
+            invalidateBox(*button);
             return;
         }
     }
@@ -214,7 +292,7 @@ void TimelineWidget::mouseReleaseEvent(QMouseEvent *event)
     if (event->button() == Qt::LeftButton && m_pressedButton) {
         const qsizetype pressed = *m_pressedButton;
         m_pressedButton.reset();
-        update(copyButtonRect(pressed).toAlignedRect().adjusted(-1, -1, 1, 1));
+        invalidateBox(pressed);
         // Like a push button: it acts when released over the button it was pressed on.
         if (copyButtonAt(event->position()) == pressed)
             Q_EMIT copyRequested(pressed);

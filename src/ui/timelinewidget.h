@@ -2,8 +2,10 @@
 
 #include "timetablelayout.h"
 
+#include <QCache>
 #include <QHash>
 #include <QPixmap>
+#include <QStaticText>
 #include <QWidget>
 
 #include <optional>
@@ -48,15 +50,34 @@ protected:
     bool event(QEvent *event) override;
 
 private:
+    // A box is drawn once into a pixmap that later paints copy: scrolling back and forth and
+    // each minute's marker move then cost a blit per box. Bounded to a few screens' worth.
+    static constexpr qsizetype pixmapCacheKb = 12 * 1024;
+
     void paintBox(QPainter &painter, qsizetype index);
+    const QPixmap &boxPixmap(qsizetype index);
+    void invalidateBox(qsizetype index);
     const QPixmap &iconOf(const Event &event);
-    const QString &elidedName(qsizetype index);
+    enum class ButtonState
+    {
+        Normal,
+        Hovered,
+        Pressed
+    };
+    const QPixmap &buttonPixmap(ButtonState state);
+    const QStaticText &nameText(qsizetype index);
+    const QStaticText &timeText(const QString &text);
     void setHovered(std::optional<qsizetype> button);
 
     QList<EventBoxGeometry> m_boxes;
     // Filled on first paint of a box: the name cut to the box's width.
-    QList<std::optional<QString>> m_elidedNames;
+    QList<std::optional<QStaticText>> m_nameTexts;
+    QHash<QString, QStaticText> m_timeTexts;
     QHash<const Event *, QPixmap> m_icons;
+    QCache<qsizetype, QPixmap> m_boxPixmaps{pixmapCacheKb};
+    QPixmap m_uncached;
+    QPixmap m_buttonPixmaps[3];
+    bool m_paintedOnce = false;
     std::optional<double> m_markerX;
     std::optional<qsizetype> m_hoveredButton;
     std::optional<qsizetype> m_pressedButton;

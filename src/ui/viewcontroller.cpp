@@ -1,5 +1,6 @@
 #include "viewcontroller.h"
 
+#include "categorybox.h"
 #include "clock.h"
 #include "scroll/horizontalscroll.h"
 #include "timebase.h"
@@ -216,7 +217,7 @@ void ViewController::buildTimetable()
     // Category boxes and their labels are real widgets: a few dozen at most.
     m_sectionsView->setFixedWidth(sectionColumnWidth());
     for (const CategoryBoxGeometry &geometry : std::as_const(m_geometry.categoryBoxes)) {
-        auto *box = new QGroupBox(geometry.title, m_sectionsView);
+        auto *box = new CategoryBox(geometry.title, m_sectionsView);
         m_categories.insert(geometry.title, box);
         box->show(); // the column may already be on screen
     }

@@ -1,10 +1,12 @@
 #include "timetablelayout.h"
 
+#include "scheduleday.h"
 #include "sequencetime.h"
 
 #include <QHash>
 
 #include <algorithm>
+#include <cmath>
 
 namespace eventtimer {
 
@@ -59,7 +61,32 @@ TimetableLayout::TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labe
     : m_zone(std::move(zone))
     , m_now(std::move(now))
     , m_labelHeight(std::move(labelHeight))
+    , m_nowOffset(static_cast<double>(m_zone.offsetFromUtc(m_now)))
 {}
+
+qint64 TimetableLayout::minutesOf(const SequenceItem &item)
+{
+    if (!(item.time >= m_localDayStart && item.time < m_localDayEnd)) {
+        const QDate day = dateTimeFromSeconds(item.time, m_zone).date();
+        m_localDayStart = secondsSinceEpoch(day.startOfDay(m_zone));
+        m_localDayEnd = secondsSinceEpoch(day.addDays(1).startOfDay(m_zone));
+    }
+    // Equal to minutesFromDayStart: the item lies in [start, end) of its own local day.
+    return static_cast<qint64>((item.time - m_localDayStart) / 60.0);
+}
+
+QString TimetableLayout::startTextOf(const SequenceItem &item)
+{
+    // The text depends only on the shifted moment's minute (seconds never show).
+    const double shifted = item.time + m_nowOffset;
+    const auto minute = static_cast<qint64>(std::floor(shifted / 60.0));
+    if (shifted != static_cast<double>(minute) * 60.0)
+        return startTimeText(item, m_zone, m_now);
+    auto it = m_startTexts.find(minute);
+    if (it == m_startTexts.end())
+        it = m_startTexts.insert(minute, startTimeText(item, m_zone, m_now));
+    return it.value();
+}
 
 SectionList TimetableLayout::groupedByCategory(const SectionList &sections)
 {
@@ -140,7 +167,7 @@ void TimetableLayout::addEventBox(const std::shared_ptr<SequenceItem> &item, qsi
                                   RowState &row)
 {
     const Event &event = *item->event;
-    const qint64 minutes = minutesFromDayStart(*item, m_zone);
+    const qint64 minutes = minutesOf(*item);
     if (event.chatLink) {
         const qint64 key = registerEvent(m_geometry.globalSequence, minutes * 60, item->event);
         if (row.firstKey == -1) {
@@ -155,7 +182,7 @@ void TimetableLayout::addEventBox(const std::shared_ptr<SequenceItem> &item, qsi
     EventBoxGeometry box;
     box.item = item;
     box.minutes = minutes;
-    box.startText = startTimeText(*item, m_zone, m_now);
+    box.startText = startTextOf(*item);
     box.row = sectionLabel;
     box.rect = QRectF(static_cast<double>(minutes * C::minutesMultiplier),
                       row.rowTop + C::sectionDistance * 0.5 + C::boxMargin,

@@ -122,11 +122,20 @@ public:
                                 const std::shared_ptr<Event> &event);
 
 private:
+    // The same values as minutesFromDayStart and startTimeText, without a time-zone lookup for
+    // every box: a day's occurrences share one local day and a few hundred start minutes.
+    qint64 minutesOf(const SequenceItem &item);
+    QString startTextOf(const SequenceItem &item);
+
     QTimeZone m_zone;
     QDateTime m_now;
     LabelHeight m_labelHeight;
     TimetableGeometry m_geometry;
     QHash<QString, qsizetype> m_categories;
+    double m_localDayStart = 0;
+    double m_localDayEnd = 0; // the next local midnight: the day may be 23 or 25 hours long
+    QHash<qint64, QString> m_startTexts;
+    double m_nowOffset = 0;
 };
 
 } // namespace eventtimer

@@ -1,0 +1,179 @@
+// From start to the first painted frame: the real window with a cached document and icons,
+// against a minimal Qt window with one label, each started as a fresh process. Also their peak
+// memory.
+//   bench_startup            runs the comparison (starts itself in the two modes below)
+//   bench_startup --app      the app's window; quits after its timeline first paints
+//   bench_startup --minimal  one label in a window; quits after it first paints
+#include "clock.h"
+#include "eventservice.h"
+#include "timelinewidget.h"
+#include "timetablewindow.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+qint64 peakResidentKb()
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+    return -1;
+}
+
+// Quits once the watched widget has painted, printing the peak memory.
+class QuitAfterPaint : public QObject
+{
+public:
+    explicit QuitAfterPaint(QWidget *watched)
+        : QObject(watched)
+    {
+        watched->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && !m_done) {
+            m_done = true;
+            QTimer::singleShot(0, qApp, [] {
+                std::printf("painted %lld\n", static_cast<long long>(peakResidentKb()));
+                std::fflush(stdout);
+                QCoreApplication::quit();
+            });
+        }
+        return false;
+    }
+
+private:
+    bool m_done = false;
+};
+
+int runApp(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    const eventtimer::SystemClock clock;
+    eventtimer::TimetableWindow window(clock);
+    new QuitAfterPaint(window.controller().horizontalScrollContent());
+    window.show();
+    return QApplication::exec();
+}
+
+int runMinimal(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    QLabel label(u"Event Timer"_s);
+    new QuitAfterPaint(&label);
+    label.show();
+    return QApplication::exec();
+}
+
+struct Run
+{
+    double ms = 0;
+    qint64 peakKb = 0;
+};
+
+Run runChild(const QString &mode, const QProcessEnvironment &environment)
+{
+    QProcess child;
+    child.setProcessEnvironment(environment);
+    child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QElapsedTimer timer;
+    timer.start();
+    child.start(QCoreApplication::applicationFilePath(), {mode});
+    child.waitForFinished(60000);
+    const double ms = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    const QByteArray output = child.readAllStandardOutput();
+    const qsizetype at = output.indexOf("painted ");
+    if (at < 0)
+        qFatal("%s did not paint: %s", qPrintable(mode), output.constData());
+    return {ms, output.mid(at + 8).trimmed().toLongLong()};
+}
+
+double median(QList<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+int compare(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    QTemporaryDir config;
+    eventtimer::EventService service;
+    service.setDocumentFile(QStringLiteral(EVENTTIMER_SAMPLE_DIR) + u"/events.json"_s);
+    service.setFilesFolder(QStringLiteral(EVENTTIMER_SAMPLE_DIR));
+    if (!service.listen())
+        qFatal("cannot start the local event service");
+    QDir().mkpath(config.filePath(u"tolmerkvarn"_s));
+    QFile settings(config.filePath(u"tolmerkvarn/eventtimer.conf"_s));
+    if (!settings.open(QIODevice::WriteOnly))
+        qFatal("cannot write the settings");
+    settings.write("[General]\nevent_service_url=" + service.baseUrl().toString().toUtf8() + '\n');
+    settings.close();
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"XDG_CONFIG_HOME"_s, config.path());
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+
+    // The first start downloads the document and icons; the service answers it from this
+    // process, so run it with the event loop turning.
+    QProcess first;
+    first.setProcessEnvironment(environment);
+    first.start(QCoreApplication::applicationFilePath(), {u"--app"_s});
+    while (!first.waitForFinished(10))
+        QCoreApplication::processEvents();
+    if (service.totalRequests() < 2)
+        qFatal("the first start did not download");
+
+    const int requestsBefore = service.totalRequests();
+    constexpr int runs = 9;
+    QList<double> app;
+    QList<double> minimal;
+    qint64 appPeak = 0;
+    qint64 minimalPeak = 0;
+    for (int run = 0; run < runs; ++run) {
+        const Run a = runChild(u"--app"_s, environment);
+        const Run m = runChild(u"--minimal"_s, environment);
+        app.append(a.ms);
+        minimal.append(m.ms);
+        appPeak = std::max(appPeak, a.peakKb);
+        minimalPeak = std::max(minimalPeak, m.peakKb);
+    }
+    std::printf("start to first paint, median of %d: app %.1f ms, minimal window %.1f ms: "
+                "%.2f x (target 2 x)\n",
+                runs, median(app), median(minimal), median(app) / median(minimal));
+    std::printf("peak RSS: app %lld kB, minimal window %lld kB: +%.1f MB (target +15 MB)\n",
+                static_cast<long long>(appPeak), static_cast<long long>(minimalPeak),
+                static_cast<double>(appPeak - minimalPeak) / 1024.0);
+    std::printf("requests made by the cached starts: %d\n",
+                service.totalRequests() - requestsBefore);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QByteArray mode = argc > 1 ? QByteArray(argv[1]) : QByteArray();
+    if (mode == "--app")
+        return runApp(argc, argv);
+    if (mode == "--minimal")
+        return runMinimal(argc, argv);
+    return compare(argc, argv);
+}

@@ -1,0 +1,142 @@
+// The window's costs on a stress day of ~6 000 occurrences: building the timetable, and
+// repainting the visible part of the time axis after a scroll.
+#include "benchdocuments.h"
+#include "clock.h"
+#include "documentparser.h"
+#include "timelinewidget.h"
+#include "viewcontroller.h"
+
+#include <QElapsedTimer>
+#include <QScrollBar>
+#include <QTest>
+
+#include <algorithm>
+
+using namespace eventtimer;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class FixedClock final : public Clock
+{
+public:
+    QDateTime now() const override
+    {
+        return QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc());
+    }
+    QTimeZone zone() const override { return QTimeZone::utc(); }
+};
+
+double median(QList<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+qint64 peakResidentKb()
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+    return -1;
+}
+
+} // namespace
+
+class BenchTimetable : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void buildTimetable();
+    void repaintAfterScroll();
+
+private:
+    FixedClock m_clock;
+    SectionList m_sections;
+};
+
+void BenchTimetable::initTestCase()
+{
+    m_sections = parseDocument(bench::stressDocument(),
+                               {ScheduleDay::containing(m_clock.now(), m_clock.zone()), nullptr})
+                     .sections;
+    qsizetype occurrences = 0;
+    for (const auto &section : std::as_const(m_sections))
+        occurrences += section->sequence.size();
+    qInfo("stress day: %lld sections, %lld occurrences", static_cast<long long>(m_sections.size()),
+          static_cast<long long>(occurrences));
+    QVERIFY(occurrences > 6000);
+}
+
+void BenchTimetable::buildTimetable()
+{
+    QList<double> builds;
+    for (int run = 0; run < 7; ++run) {
+        ViewController controller([this] { return m_sections; }, {}, m_clock);
+        controller.view()->resize(1400, 900);
+        controller.viewDidLoad();
+        controller.view()->show();
+        QElapsedTimer timer;
+        timer.start();
+        controller.viewDidAppear();
+        builds.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        QCOMPARE(controller.horizontalScrollContent()->boxes().size(), 6886);
+    }
+    qInfo("buildTimetable: median %.1f ms (target 30 ms); peak RSS of this process %lld kB",
+          median(builds), static_cast<long long>(peakResidentKb()));
+
+    // Of which the arithmetic alone, without widgets:
+    QList<double> layouts;
+    for (int run = 0; run < 7; ++run) {
+        QElapsedTimer timer;
+        timer.start();
+        const TimetableGeometry geometry = TimetableLayout::build(
+            m_sections, m_clock.zone(), m_clock.now(), [](const QString &) { return 17.0; });
+        layouts.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        QCOMPARE(geometry.eventBoxes.size(), 6886);
+    }
+    qInfo("of which the layout arithmetic: median %.1f ms", median(layouts));
+}
+
+void BenchTimetable::repaintAfterScroll()
+{
+    ViewController controller([this] { return m_sections; }, {}, m_clock);
+    controller.view()->resize(1400, 900);
+    controller.viewDidLoad();
+    controller.view()->show();
+    controller.viewDidAppear();
+    QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
+    TimelineWidget *timeline = controller.horizontalScrollContent();
+    QScrollBar *bar = controller.horizontalScroll()->horizontalScrollBar();
+    QWidget *viewport = controller.horizontalScroll()->viewport();
+
+    // Every name is cut to its box on its first paint; measure repaints of a day already seen
+    // once, as scrolling back and forth does.
+    bar->setValue(3000);
+    timeline->repaint();
+    QList<double> repaints;
+    for (int run = 0; run < 60; ++run) {
+        bar->setValue(3000 + (run % 2) * 300);
+        // What the window shows: the time axis's viewport cut by the vertical scroll area's.
+        QWidget *window = controller.verticalScroll()->viewport();
+        const QRect visible =
+            QRect(timeline->mapFrom(viewport, QPoint(0, 0)), viewport->size())
+                .intersected(QRect(timeline->mapFrom(window, QPoint(0, 0)), window->size()));
+        QElapsedTimer timer;
+        timer.start();
+        timeline->repaint(visible);
+        repaints.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    QWidget *window = controller.verticalScroll()->viewport();
+    qInfo("repaint of the %dx%d visible axis after a 300-point scroll: median %.2f ms "
+          "(target 3 ms)",
+          viewport->width(), window->height(), median(repaints));
+}
+
+QTEST_MAIN(BenchTimetable)
+#include "bench_timetable.moc"

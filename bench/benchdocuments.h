@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonArray>
+#include <QString>
+
+namespace eventtimer::bench {
+
+// The stress document holds this many copies of every section of the realistic one:
+// 18 × 11 = 198 sections, a little over 6 000 occurrences.
+inline constexpr int stressCopies = 11;
+
+// A document of the test data folder, read whole.
+QByteArray readDocument(const QString &name);
+
+// Copies every section `copies` times; each copy after the first gets " (n)" after its name so
+// that no two sections share one.
+QJsonArray replicated(const QJsonArray &document, int copies);
+
+// The realistic document copied stressCopies times.
+QJsonArray stressDocument();
+
+} // namespace eventtimer::bench

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "appdelegate.h"
+#include "clock.h"
+#include "viewcontroller.h"
+
+#include <QMainWindow>
+#include <QTextStream>
+
+#include <memory>
+
+namespace eventtimer {
+
+// The program's one window with its controller, wired to the user's settings store, the event
+// service and the shared suite: what main() starts, and what the start-up benchmark measures.
+class TimetableWindow
+{
+public:
+    explicit TimetableWindow(const Clock &clock);
+
+    // Loads the sections (from the store, or downloaded) and shows the window; the timetable
+    // is built when the window first appears.
+    void show();
+
+    QMainWindow &window() { return m_window; }
+    ViewController &controller() { return *m_controller; }
+
+private:
+    const Clock &m_clock;
+    QTextStream m_out;
+    std::unique_ptr<ViewController> m_controller;
+    QMainWindow m_window;
+};
+
+} // namespace eventtimer
