@@ -2,14 +2,20 @@
 
 #include "event.h"
 #include "layoutconstants.h"
+#include "timelineaccessible.h"
 
+#include <QAccessible>
+#include <QFocusEvent>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStaticText>
 #include <QToolTip>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -58,8 +64,17 @@ void drawCopyGlyph(QPainter &painter, const QRectF &button)
 TimelineWidget::TimelineWidget(QWidget *parent)
     : QWidget(parent)
 {
+    // Assistive technology asks a factory for the interface of a widget; ours lists the boxes.
+    static const bool accessibleFactoryInstalled = [] {
+        QAccessible::installFactory(&TimelineAccessible::create);
+        return true;
+    }();
+    Q_UNUSED(accessibleFactoryInstalled)
+
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent, false);
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(u"Events of the day"_s);
 }
 
 void TimelineWidget::setBoxes(QList<EventBoxGeometry> boxes)
@@ -68,6 +83,31 @@ void TimelineWidget::setBoxes(QList<EventBoxGeometry> boxes)
     m_nameTexts = QList<std::optional<QStaticText>>(m_boxes.size());
     m_icons.clear();
     m_boxPixmaps.clear();
+    m_currentBox.reset();
+    m_hoveredButton.reset();
+    m_pressedButton.reset();
+
+    qsizetype rowCount = 0;
+    for (const EventBoxGeometry &box : std::as_const(m_boxes))
+        rowCount = std::max(rowCount, box.row + 1);
+    m_rows = QList<QList<qsizetype>>(rowCount);
+    for (qsizetype i = 0; i < m_boxes.size(); ++i)
+        m_rows[m_boxes.at(i).row].append(i);
+    m_placeInRow = QList<qsizetype>(m_boxes.size());
+    for (QList<qsizetype> &row : m_rows) {
+        // A row's occurrences follow each other, so this only guards the order, and it keeps
+        // equal starts in build order.
+        std::stable_sort(row.begin(), row.end(), [this](qsizetype a, qsizetype b) {
+            return m_boxes.at(a).rect.left() < m_boxes.at(b).rect.left();
+        });
+        for (qsizetype place = 0; place < row.size(); ++place)
+            m_placeInRow[row.at(place)] = place;
+    }
+
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::ObjectReorder);
+        QAccessible::updateAccessibility(&event);
+    }
     update();
 }
 
@@ -251,6 +291,17 @@ void TimelineWidget::paintBox(QPainter &painter, qsizetype index)
                                         : hovered ? ButtonState::Hovered
                                                   : ButtonState::Normal));
     }
+
+    if (hasFocus() && m_currentBox == index) {
+        // The ring is drawn over everything in the box: a highlight-coloured line with a white
+        // one inside it, so it stands out on light and dark fills alike.
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2.0));
+        painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), cornerRadius, cornerRadius);
+        painter.setPen(QPen(Qt::white, 1.0));
+        painter.drawRoundedRect(rect.adjusted(2.5, 2.5, -2.5, -2.5), cornerRadius - 1,
+                                cornerRadius - 1);
+    }
     painter.restore();
 }
 
@@ -278,6 +329,9 @@ void TimelineWidget::mouseMoveEvent(QMouseEvent *event)
 void TimelineWidget::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton) {
+        // A click moves the focus ring to the box under it; the box is in view already.
+        if (const std::optional<qsizetype> box = boxAt(event->position()))
+            setCurrent(*box, Reveal::No);
         if (const std::optional<qsizetype> button = copyButtonAt(event->position())) {
             m_pressedButton = button;
             invalidateBox(*button);
@@ -305,6 +359,198 @@ void TimelineWidget::leaveEvent(QEvent *event)
 {
     setHovered(std::nullopt);
     QWidget::leaveEvent(event);
+}
+
+void TimelineWidget::setCurrentBox(qsizetype box)
+{
+    setCurrent(box, Reveal::Yes);
+}
+
+void TimelineWidget::setCurrent(qsizetype box, Reveal reveal)
+{
+    if (box < 0 || box >= m_boxes.size())
+        return;
+    const std::optional<qsizetype> previous = m_currentBox;
+    m_currentBox = box;
+    if (previous != box) {
+        // The ring is part of a box's cached picture.
+        if (previous)
+            invalidateBox(*previous);
+        invalidateBox(box);
+        if (hasFocus())
+            notifyAccessibleFocus();
+    }
+    if (reveal == Reveal::Yes)
+        Q_EMIT revealRequested(box);
+}
+
+void TimelineWidget::pressCopyButton(qsizetype box)
+{
+    if (box >= 0 && box < m_boxes.size() && m_boxes.at(box).event().chatLink)
+        Q_EMIT copyRequested(box);
+}
+
+void TimelineWidget::notifyAccessibleFocus()
+{
+    // Qt drops the notification at once while no assistive technology is listening.
+    if (!m_currentBox)
+        return;
+    QAccessibleEvent event(this, QAccessible::Focus);
+    event.setChild(static_cast<int>(*m_currentBox));
+    QAccessible::updateAccessibility(&event);
+}
+
+qsizetype TimelineWidget::nearestInRow(qsizetype row, double x) const
+{
+    const QList<qsizetype> &boxes = m_rows.at(row);
+    // The candidates are the last box starting at or before x and the one after it.
+    const auto after =
+        std::upper_bound(boxes.begin(), boxes.end(), x, [this](double value, qsizetype box) {
+            return value < m_boxes.at(box).rect.left();
+        });
+    const auto distance = [this, x](qsizetype box) {
+        const QRectF rect = m_boxes.at(box).rect;
+        return x < rect.left() ? rect.left() - x : x > rect.right() ? x - rect.right() : 0.0;
+    };
+    if (after == boxes.begin())
+        return *after;
+    const qsizetype before = *(after - 1);
+    if (after == boxes.end())
+        return before;
+    return distance(*after) < distance(before) ? *after : before;
+}
+
+std::optional<qsizetype> TimelineWidget::rowWithBoxes(qsizetype from, qsizetype step) const
+{
+    for (qsizetype row = from + step; row >= 0 && row < m_rows.size(); row += step)
+        if (!m_rows.at(row).isEmpty())
+            return row;
+    return std::nullopt;
+}
+
+std::optional<qsizetype> TimelineWidget::initialBox() const
+{
+    // The box nearest to the present time, in the first row in view that has one: keyboard
+    // users start where the day stands, without the timetable jumping away from what they see.
+    const QRectF visible = visibleRegion().boundingRect();
+    std::optional<qsizetype> first;
+    for (qsizetype row = 0; row < m_rows.size(); ++row) {
+        if (m_rows.at(row).isEmpty())
+            continue;
+        const QRectF rect = m_boxes.at(m_rows.at(row).first()).rect;
+        const bool inView = rect.bottom() > visible.top() && rect.top() < visible.bottom();
+        if (!first || inView)
+            first = row;
+        if (inView)
+            break;
+    }
+    if (!first)
+        return std::nullopt;
+    const double x = m_markerX.value_or(visible.isEmpty() ? 0.0 : visible.left());
+    return nearestInRow(*first, x);
+}
+
+std::optional<qsizetype> TimelineWidget::boxForKey(int key) const
+{
+    const qsizetype current = *m_currentBox;
+    const qsizetype row = m_boxes.at(current).row;
+    const QList<qsizetype> &boxes = m_rows.at(row);
+    const qsizetype place = m_placeInRow.at(current);
+    switch (key) {
+    case Qt::Key_Left:
+        return boxes.at(std::max<qsizetype>(place - 1, 0));
+    case Qt::Key_Right:
+        return boxes.at(std::min(place + 1, boxes.size() - 1));
+    case Qt::Key_Home:
+        return boxes.first();
+    case Qt::Key_End:
+        return boxes.last();
+    case Qt::Key_Up:
+    case Qt::Key_Down: {
+        const std::optional<qsizetype> next = rowWithBoxes(row, key == Qt::Key_Up ? -1 : 1);
+        if (!next)
+            return current;
+        return nearestInRow(*next, m_boxes.at(current).rect.center().x());
+    }
+    default:
+        return std::nullopt;
+    }
+}
+
+void TimelineWidget::keyPressEvent(QKeyEvent *event)
+{
+    if (m_boxes.isEmpty()) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool copy = event->matches(QKeySequence::Copy) || (enter && modifiers == Qt::NoModifier);
+    const bool move = modifiers == Qt::NoModifier &&
+                      (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right ||
+                       event->key() == Qt::Key_Up || event->key() == Qt::Key_Down ||
+                       event->key() == Qt::Key_Home || event->key() == Qt::Key_End);
+    if (!copy && !move) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    // Taken here even where nothing moves (at the end of a row): the scroll areas around would
+    // otherwise scroll on the same key and leave the ring behind.
+    event->accept();
+    if (!m_currentBox) {
+        // The first key shows where the ring is before it moves or copies anything.
+        if (const std::optional<qsizetype> box = initialBox())
+            setCurrent(*box, Reveal::Yes);
+        return;
+    }
+    if (copy) {
+        pressCopyButton(*m_currentBox);
+        return;
+    }
+    if (const std::optional<qsizetype> target = boxForKey(event->key()))
+        setCurrent(*target, Reveal::Yes);
+}
+
+void TimelineWidget::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    if (m_currentBox) {
+        invalidateBox(*m_currentBox);
+        // Announced after the timeline itself has been announced as focused.
+        QMetaObject::invokeMethod(this, &TimelineWidget::notifyAccessibleFocus,
+                                  Qt::QueuedConnection);
+        if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+            Q_EMIT revealRequested(*m_currentBox);
+        return;
+    }
+    // A click puts the ring on the box it hits; the keyboard starts near the present time.
+    if (event->reason() == Qt::MouseFocusReason)
+        return;
+    if (const std::optional<qsizetype> box = initialBox()) {
+        setCurrent(*box, Reveal::Yes);
+        QMetaObject::invokeMethod(this, &TimelineWidget::notifyAccessibleFocus,
+                                  Qt::QueuedConnection);
+    }
+}
+
+void TimelineWidget::focusOutEvent(QFocusEvent *event)
+{
+    QWidget::focusOutEvent(event);
+    if (m_currentBox)
+        invalidateBox(*m_currentBox);
+}
+
+QVariant TimelineWidget::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    // A scroll area that gives the focus to the timeline scrolls to this rectangle. Without it,
+    // it would try to show the whole day and jump to its middle.
+    if (query == Qt::ImCursorRectangle) {
+        if (m_currentBox)
+            return m_boxes.at(*m_currentBox).rect.toAlignedRect();
+        const QRect visible = visibleRegion().boundingRect();
+        return QRect(visible.topLeft(), QSize(1, 1));
+    }
+    return QWidget::inputMethodQuery(query);
 }
 
 bool TimelineWidget::event(QEvent *event)

@@ -16,6 +16,10 @@ namespace eventtimer {
 // that is exposed. Boxes are records, not widgets: a day of thousands of occurrences costs no
 // more to build than its arithmetic. The current-time marker is painted first, under the
 // boxes; copy buttons are hit-tested, with a pointing cursor and the chat link as tooltip.
+//
+// Keyboard users move a focus ring from box to box (left and right in time within a row, up
+// and down between rows) and copy with Enter or the copy shortcut; assistive technology sees
+// one item per box (see TimelineAccessible).
 class TimelineWidget : public QWidget
 {
     Q_OBJECT
@@ -37,9 +41,20 @@ public:
     std::optional<qsizetype> copyButtonAt(QPointF point) const;
     QRectF copyButtonRect(qsizetype box) const;
 
+    // The box that carries the keyboard focus ring while the timeline has the focus.
+    std::optional<qsizetype> currentBox() const { return m_currentBox; }
+    // Moves the focus ring to a box and asks for it to be brought into view.
+    void setCurrentBox(qsizetype box);
+    // What the copy button of a box does, for the keyboard and assistive technology: boxes of
+    // events without a chat link have no button, and nothing happens.
+    void pressCopyButton(qsizetype box);
+
 Q_SIGNALS:
-    // The copy button of a box whose event has a chat link was clicked.
+    // The copy button of a box whose event has a chat link was pressed.
     void copyRequested(qsizetype box);
+    // The keyboard or assistive technology moved the focus ring to a box, which the scroll
+    // areas around should show.
+    void revealRequested(qsizetype box);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -47,7 +62,11 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
     bool event(QEvent *event) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 private:
     // A box is drawn once into a pixmap that later paints copy: scrolling back and forth and
@@ -69,6 +88,21 @@ private:
     const QStaticText &timeText(const QString &text);
     void setHovered(std::optional<qsizetype> button);
 
+    enum class Reveal
+    {
+        No,
+        Yes
+    };
+    void setCurrent(qsizetype box, Reveal reveal);
+    void notifyAccessibleFocus();
+    // Where the focus ring goes when the keyboard enters the timeline without a current box.
+    std::optional<qsizetype> initialBox() const;
+    // The box of a row nearest to x: the one spanning it, else the closest edge.
+    qsizetype nearestInRow(qsizetype row, double x) const;
+    // The nearest row before or after a row that has boxes.
+    std::optional<qsizetype> rowWithBoxes(qsizetype from, qsizetype step) const;
+    std::optional<qsizetype> boxForKey(int key) const;
+
     QList<EventBoxGeometry> m_boxes;
     // Filled on first paint of a box: the name cut to the box's width.
     QList<std::optional<QStaticText>> m_nameTexts;
@@ -81,6 +115,11 @@ private:
     std::optional<double> m_markerX;
     std::optional<qsizetype> m_hoveredButton;
     std::optional<qsizetype> m_pressedButton;
+
+    // Per row (section label index), its boxes in time order; per box, its place there.
+    QList<QList<qsizetype>> m_rows;
+    QList<qsizetype> m_placeInRow;
+    std::optional<qsizetype> m_currentBox;
 };
 
 } // namespace eventtimer

@@ -6,16 +6,19 @@
 #include "timebase.h"
 #include "timelinewidget.h"
 
+#include <QClipboard>
 #include <QEvent>
 #include <QFrame>
 #include <QGraphicsDropShadowEffect>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -105,6 +108,9 @@ void ViewController::loadView()
     row->setSpacing(0);
     m_sectionsView = new QWidget(m_verticalScrollContent);
     m_horizontalScroll = new HorizontalScroll(m_verticalScrollContent);
+    // The timeline inside takes the keys and scrolls the area itself; the area would only be
+    // one more stop on the way there.
+    m_horizontalScroll->setFocusPolicy(Qt::NoFocus);
     m_horizontalScrollContent = new TimelineWidget;
     m_horizontalScroll->setWidget(m_horizontalScrollContent);
     row->addWidget(m_sectionsView, 0, Qt::AlignTop);
@@ -232,6 +238,10 @@ void ViewController::buildTimetable()
     placeSectionColumn();
     new ResizeWatcher(m_sectionsView, [this] { placeSectionColumn(); });
     m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
+    connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
+            &ViewController::copyToClipboardWithSender);
+    connect(m_horizontalScrollContent, &TimelineWidget::revealRequested, this,
+            &ViewController::revealBox);
 
     // Sizes: each content at least as large as its scroll area, and as large as the day.
     const int contentHeight = static_cast<int>(std::ceil(m_geometry.contentHeight));
@@ -282,6 +292,60 @@ void ViewController::updateCurrentTime()
 void ViewController::timeUpdate()
 {
     updateCurrentTime();
+}
+
+void ViewController::copyToClipboardWithSender(qsizetype box)
+{
+    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
+        return;
+    const std::optional<QString> &link =
+        m_horizontalScrollContent->boxes().at(box).event().chatLink;
+    if (!link)
+        return;
+    // One plain-text item, which replaces whatever the clipboard held. An empty link is
+    // copied as it is, and the message shows all the same.
+    QGuiApplication::clipboard()->setText(*link);
+    m_clipboardMessage->show();
+    m_clipboardMessage->raise();
+    // Every copy schedules its own hide and none is ever cancelled: the earliest one pending
+    // ends the showing, even right after a later copy.
+    QTimer::singleShot(clipboardMessageIntervalMs, Qt::PreciseTimer, this,
+                       &ViewController::hideClipboardMessage);
+}
+
+void ViewController::hideClipboardMessage()
+{
+    if (m_clipboardMessage)
+        m_clipboardMessage->hide();
+}
+
+void ViewController::revealBox(qsizetype box)
+{
+    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
+        return;
+    // Room around the box, so that its focus ring does not touch the edge of the view.
+    constexpr double padding = 8.0;
+    const QRectF rect = m_horizontalScrollContent->boxes().at(box).rect;
+
+    // Sideways: as much of the box as the view holds. A box that shows that much already
+    // stays where it is, even a long one seen only in its middle; otherwise its start comes
+    // into view, where its name and time are.
+    const double viewportLeft = m_horizontalScroll->horizontalScrollBar()->value();
+    const double viewportWidth = m_horizontalScroll->viewport()->width();
+    const double needed = std::min(rect.width(), std::max(0.0, viewportWidth - 2 * padding));
+    const double shown =
+        std::min(rect.right(), viewportLeft + viewportWidth) - std::max(rect.left(), viewportLeft);
+    if (shown < needed)
+        m_horizontalScroll->ensureVisible(qRound(rect.left() + needed / 2),
+                                          qRound(rect.center().y()), qRound(needed / 2 + padding),
+                                          0);
+
+    // Up and down: the whole box, in the coordinates of the vertically scrolling content.
+    const int top =
+        m_horizontalScrollContent->mapTo(m_verticalScrollContent, QPoint(0, qFloor(rect.top())))
+            .y();
+    const int halfHeight = qCeil(rect.height() / 2);
+    m_verticalScroll->ensureVisible(0, top + halfHeight, 0, halfHeight + qRound(padding));
 }
 
 } // namespace eventtimer

@@ -42,6 +42,8 @@ public:
     static constexpr double eventDistance = LayoutConstants::eventDistance;
     static constexpr qint64 minutesMultiplier = LayoutConstants::minutesMultiplier;
     static constexpr int timeUpdateIntervalMs = 60000;
+    // How long the clipboard message shows after each copy.
+    static constexpr int clipboardMessageIntervalMs = 3000;
 
     ViewController(SectionSource loadSections, SuiteExporter exportToSharedSuite,
                    const Clock &clock, QObject *parent = nullptr);
@@ -58,6 +60,12 @@ public:
     void buildTimetable();
     void updateCurrentTime();
     void timeUpdate();
+
+    // What a box's copy button does: its event's chat link becomes the clipboard's only
+    // content, as plain text, and the clipboard message shows until the earliest pending hide.
+    // A box whose event has no chat link has no button, and nothing happens.
+    void copyToClipboardWithSender(qsizetype box);
+    void hideClipboardMessage();
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
     QWidget *verticalScrollContent() const { return m_verticalScrollContent; }
@@ -80,6 +88,8 @@ private:
     void placeSectionColumn();
     double labelHeight(const QString &name) const;
     int sectionColumnWidth() const;
+    // Scrolls both areas so that the box with the keyboard's focus ring is in view.
+    void revealBox(qsizetype box);
 
     SectionSource m_loadSections;
     SuiteExporter m_exportToSharedSuite;
