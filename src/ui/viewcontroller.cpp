@@ -249,13 +249,13 @@ void ViewController::buildTimetable()
     m_sectionsView->setFixedHeight(contentHeight);
     m_verticalScrollContent->setMinimumHeight(contentHeight + scrollBar);
     m_horizontalScrollContent->setMinimumSize(
-        std::max(static_cast<int>(std::ceil(m_geometry.contentWidth)),
+        std::max(static_cast<int>(std::ceil(m_geometry.axisWidth())),
                  m_horizontalScroll->viewport()->width()),
         contentHeight);
     m_horizontalScrollContent->resize(m_horizontalScrollContent->minimumSize());
     new ResizeWatcher(m_horizontalScroll->viewport(), [this] {
         m_horizontalScrollContent->resize(
-            std::max(static_cast<int>(std::ceil(m_geometry.contentWidth)),
+            std::max(static_cast<int>(std::ceil(m_geometry.axisWidth())),
                      m_horizontalScroll->viewport()->width()),
             std::max(static_cast<int>(std::ceil(m_geometry.contentHeight)),
                      m_horizontalScroll->viewport()->height()));

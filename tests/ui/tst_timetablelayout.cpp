@@ -74,6 +74,7 @@ private Q_SLOTS:
     void wrapAround_data();
     void wrapAround();
     void contentWidthIsTheWidestRow();
+    void axisReachesEveryBox();
     void nonConsecutiveCategoriesAreGrouped();
     void partsOfABox();
     void marker_data();
@@ -214,9 +215,20 @@ void TestTimetableLayout::contentWidthIsTheWidestRow()
          section(u"C"_s, u"Wrap"_s, {{u"A"_s, 0, 60}, {u"B"_s, 60, 1320}, {u"A"_s, 1380, 60}}),
          section(u"C"_s, u"Half"_s, {{u"H"_s, 0, 720, false}})});
     QCOMPARE(geometry.contentWidth, 14400.0);
+    QCOMPARE(geometry.axisWidth(), 14400.0);
     QVERIFY(geometry.globalSequence.contains(58));
     QVERIFY(!geometry.globalSequence.contains(59));
     QCOMPARE(geometry.globalSequence.at(3600)->name, u"B"_s);
+}
+
+void TestTimetableLayout::axisReachesEveryBox()
+{
+    // Rows of 60 minutes each, one of them late in the day: the content width counts
+    // durations only (600 points), but the axis must reach the late box's end.
+    const TimetableGeometry geometry = build({section(u"C"_s, u"Early"_s, {{u"A"_s, 0, 60}}),
+                                              section(u"C"_s, u"Late"_s, {{u"B"_s, 1200, 60}})});
+    QCOMPARE(geometry.contentWidth, 600.0);
+    QCOMPARE(geometry.axisWidth(), 12600.0);
 }
 
 void TestTimetableLayout::nonConsecutiveCategoriesAreGrouped()

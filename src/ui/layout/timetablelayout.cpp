@@ -57,6 +57,14 @@ QRectF EventBoxGeometry::copyButtonRect(const QRectF &box, QSizeF buttonSize)
                   buttonSize.height());
 }
 
+double TimetableGeometry::axisWidth() const
+{
+    double width = contentWidth;
+    for (const EventBoxGeometry &box : eventBoxes)
+        width = std::max(width, box.rect.right() + C::eventDistance);
+    return width;
+}
+
 TimetableLayout::TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labelHeight)
     : m_zone(std::move(zone))
     , m_now(std::move(now))

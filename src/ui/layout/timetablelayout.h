@@ -86,6 +86,10 @@ struct TimetableGeometry
     GlobalSequence globalSequence;
     double contentHeight = LayoutConstants::categoryDistance;
     double contentWidth = 0;
+
+    // How wide the time axis must be to show every box: the content width counts only the
+    // rows' durations, so a row that starts with a pause can reach further.
+    double axisWidth() const;
 };
 
 // Lays the timetable out without any window: category boxes stacked in the section column,
