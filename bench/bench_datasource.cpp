@@ -1,5 +1,6 @@
 // The data source's two costs that a user feels: the first start, which downloads the document
 // and every icon, and every later start, which reads both from the settings store.
+#include "benchsupport.h"
 #include "clock.h"
 #include "eventdatasource.h"
 #include "eventservice.h"
@@ -21,21 +22,12 @@
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
+using namespace eventtimer::bench;
 
 namespace {
 
 constexpr int iconCount = 40;
 constexpr int latencyMs = 50;
-
-class FixedClock final : public Clock
-{
-public:
-    QDateTime now() const override
-    {
-        return QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc());
-    }
-    QTimeZone zone() const override { return QTimeZone::utc(); }
-};
 
 // The realistic document with its first 40 icons pointed at the service (the rest dropped).
 QByteArray documentWithServedIcons()
@@ -77,12 +69,6 @@ void writeIcons(const QString &folder)
         painter.end();
         image.save(folder + u"/icons/file/set/"_s + QString::number(i) + u".png"_s);
     }
-}
-
-double median(QList<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
 }
 
 } // namespace
@@ -131,7 +117,8 @@ void BenchDataSource::firstStartWithSlowIcons()
         store.setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
         QString output;
         QTextStream out(&output);
-        FixedClock clock;
+        FixedClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                         QTimeZone::utc());
         EventDataSource source(store, loader, clock, out);
         timer.restart();
         const SectionList sections = source.loadSections();
@@ -172,7 +159,8 @@ void BenchDataSource::startFromTheStore()
         UrlLoader loader;
         QString output;
         QTextStream out(&output);
-        FixedClock clock;
+        FixedClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                         QTimeZone::utc());
         EventDataSource source(store, loader, clock, out);
         const SectionList sections = source.loadSections();
         loads.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);

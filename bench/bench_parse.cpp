@@ -1,4 +1,4 @@
-#include "benchdocuments.h"
+#include "benchsupport.h"
 #include "documentparser.h"
 #include "scheduleday.h"
 

@@ -4,6 +4,7 @@
 //   bench_startup            runs the comparison (starts itself in the two modes below)
 //   bench_startup --app      the app's window; quits after its timeline first paints
 //   bench_startup --minimal  one label in a window; quits after it first paints
+#include "benchsupport.h"
 #include "clock.h"
 #include "eventservice.h"
 #include "timelinewidget.h"
@@ -21,19 +22,9 @@
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
+using namespace eventtimer::bench;
 
 namespace {
-
-qint64 peakResidentKb()
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong();
-    return -1;
-}
 
 // Quits once the watched widget has painted, printing the peak memory.
 class QuitAfterPaint : public QObject
@@ -103,12 +94,6 @@ Run runChild(const QString &mode, const QProcessEnvironment &environment)
     if (at < 0)
         qFatal("%s did not paint: %s", qPrintable(mode), output.constData());
     return {ms, output.mid(at + 8).trimmed().toLongLong()};
-}
-
-double median(QList<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
 }
 
 int compare(int argc, char *argv[])

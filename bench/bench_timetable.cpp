@@ -1,6 +1,6 @@
 // The window's costs on a stress day of ~6 000 occurrences: building the timetable, and
 // repainting the visible part of the time axis after a scroll.
-#include "benchdocuments.h"
+#include "benchsupport.h"
 #include "clock.h"
 #include "documentparser.h"
 #include "timelinewidget.h"
@@ -14,37 +14,9 @@
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
+using namespace eventtimer::bench;
 
-namespace {
-
-class FixedClock final : public Clock
-{
-public:
-    QDateTime now() const override
-    {
-        return QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc());
-    }
-    QTimeZone zone() const override { return QTimeZone::utc(); }
-};
-
-double median(QList<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-qint64 peakResidentKb()
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong();
-    return -1;
-}
-
-} // namespace
+namespace {} // namespace
 
 class BenchTimetable : public QObject
 {
@@ -56,7 +28,8 @@ private Q_SLOTS:
     void repaintAfterScroll();
 
 private:
-    FixedClock m_clock;
+    FixedClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                       QTimeZone::utc()};
     SectionList m_sections;
 };
 

@@ -19,15 +19,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class FixedClock final : public Clock
-{
-public:
-    QDateTime now() const override { return moment; }
-    QTimeZone zone() const override { return QTimeZone::utc(); }
-
-    QDateTime moment = QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc());
-};
-
 QByteArray pngBytes(QColor color)
 {
     QImage image(8, 8, QImage::Format_ARGB32);
@@ -63,6 +54,13 @@ const QByteArray goodDocument = R"([
     {"category": "Peaks", "name": "Summit", "segments": {"1": {"name": "Ember Wyrm"}},
      "sequences": {"partial": [], "pattern": [{"d": 120, "r": 1}]}}
 ])";
+
+// Noon of a fixed day, in UTC.
+FixedClock noonClock()
+{
+    return FixedClock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                      QTimeZone::utc());
+}
 
 const QString connectionOk = u"[CONNECTION] OK, data correctly downloaded"_s;
 const QString connectionError = u"[ERROR] There is an unspecified error with the connection"_s;
@@ -102,7 +100,7 @@ private:
     std::unique_ptr<QSettings> m_settings;
     std::unique_ptr<SettingsStore> m_store;
     std::unique_ptr<EventService> m_service;
-    FixedClock m_clock;
+    FixedClock m_clock = noonClock();
     SectionList m_sections;
 };
 
@@ -116,7 +114,7 @@ void TestEventDataSource::init()
     QVERIFY(m_service->listen());
     m_service->setDocument(goodDocument);
     m_store->setValue(settingskeys::serviceUrl.toString(), m_service->baseUrl().toString());
-    m_clock = FixedClock();
+    m_clock = noonClock();
 }
 
 void TestEventDataSource::cleanup()
@@ -148,14 +146,14 @@ void TestEventDataSource::firstRunDownloadsAndStores()
     // Both keys are on disk, as another process would read them.
     QSettings reread(m_settings->fileName(), SettingsStore::format());
     QCOMPARE(reread.value(settingskeys::documentBytes.toString()).toByteArray(), goodDocument);
-    QCOMPARE(reread.value(settingskeys::documentDate.toString()).toDateTime(), m_clock.moment);
+    QCOMPARE(reread.value(settingskeys::documentDate.toString()).toDateTime(), m_clock.now());
 }
 
 void TestEventDataSource::secondRunWithinTheWeekUsesTheCache()
 {
     load();
     m_service->setDocument("[]");
-    m_clock.moment = m_clock.moment.addDays(6);
+    m_clock.setNow(m_clock.now().addDays(6));
     QCOMPARE(load(), QStringList{jsonOk});
     QCOMPARE(m_sections.size(), 2);
     QCOMPARE(m_service->totalRequests(), 1);
@@ -167,7 +165,7 @@ void TestEventDataSource::refreshRule_data()
     QTest::addColumn<QVariant>("date");
     QTest::addColumn<bool>("downloads");
 
-    const QDateTime now = FixedClock().moment;
+    const QDateTime now = noonClock().now();
     const QVariant cached = QVariant("[]"_ba);
     QTest::newRow("604799.9 s old: cache") << cached << QVariant(now.addMSecs(-604799900)) << false;
     QTest::newRow("604800.0 s old: download") << cached << QVariant(now.addSecs(-604800)) << true;
@@ -198,7 +196,7 @@ void TestEventDataSource::refreshRule()
 
 void TestEventDataSource::staleCacheWithServiceDownKeepsTheOldCopy()
 {
-    const QDateTime old = m_clock.moment.addDays(-8);
+    const QDateTime old = m_clock.now().addDays(-8);
     m_store->setValue(settingskeys::documentBytes.toString(), goodDocument);
     m_store->setValue(settingskeys::documentDate.toString(), old);
     m_service.reset(); // nobody listens on the configured port any more

@@ -60,16 +60,6 @@ public:
     }
 
 private:
-    class FixedClock final : public eventtimer::Clock
-    {
-    public:
-        QDateTime now() const override
-        {
-            return QDateTime(QDate(2026, 11, 22), QTime(10, 0), QTimeZone::utc());
-        }
-        QTimeZone zone() const override { return QTimeZone::utc(); }
-    };
-
     eventtimer::SectionList sections() const
     {
         using namespace eventtimer;
@@ -119,6 +109,7 @@ private:
         return {harbour, forest, vault, keep};
     }
 
-    FixedClock m_clock;
+    eventtimer::FixedClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(10, 0), QTimeZone::utc()),
+                                   QTimeZone::utc()};
     std::unique_ptr<eventtimer::ViewController> m_controller;
 };

@@ -14,16 +14,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class FixedClock final : public Clock
-{
-public:
-    QDateTime now() const override { return moment; }
-    QTimeZone zone() const override { return timeZone; }
-
-    QDateTime moment = QDateTime(QDate(2026, 11, 22), QTime(12, 34, 59, 900), QTimeZone::utc());
-    QTimeZone timeZone = QTimeZone(2 * 3600);
-};
-
 SectionList sampleSections(const Clock &clock)
 {
     QFile file(QStringLiteral(EVENTTIMER_SAMPLE_DIR) + u"/events.json"_s);
@@ -56,7 +46,8 @@ private Q_SLOTS:
 private:
     struct Window
     {
-        FixedClock clock;
+        FixedClock clock{QDateTime(QDate(2026, 11, 22), QTime(12, 34, 59, 900), QTimeZone::utc()),
+                         QTimeZone(2 * 3600)};
         int exports = 0;
         GlobalSequence exported;
         std::unique_ptr<ViewController> controller;
@@ -152,7 +143,7 @@ void TestViewController::markerFollowsTheClock()
     QCOMPARE(controller.horizontalScroll()->horizontalScrollBar()->value(),
              qFloor(7540 - visible / 6.0));
 
-    window->clock.moment = QDateTime(QDate(2026, 11, 22), QTime(0, 0, 59), QTimeZone::utc());
+    window->clock.setNow(QDateTime(QDate(2026, 11, 22), QTime(0, 0, 59), QTimeZone::utc()));
     controller.timeUpdate();
     QCOMPARE(controller.timeConstraint(), std::optional<double>(0));
     QCOMPARE(controller.timeLabel()->text(), u"02:00"_s);

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QJsonArray>
+#include <QList>
 #include <QString>
 
 namespace eventtimer::bench {
@@ -19,5 +20,11 @@ QJsonArray replicated(const QJsonArray &document, int copies);
 
 // The realistic document copied stressCopies times.
 QJsonArray stressDocument();
+
+// The middle value of a set of timings.
+double median(QList<double> values);
+
+// The process's peak resident memory so far, in kB (-1 when it cannot be read).
+qint64 peakResidentKb();
 
 } // namespace eventtimer::bench

@@ -1,8 +1,10 @@
-#include "benchdocuments.h"
+#include "benchsupport.h"
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -35,6 +37,23 @@ QJsonArray stressDocument()
 {
     return replicated(QJsonDocument::fromJson(readDocument(u"realistic.json"_s)).array(),
                       stressCopies);
+}
+
+double median(QList<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+qint64 peakResidentKb()
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+    return -1;
 }
 
 } // namespace eventtimer::bench
