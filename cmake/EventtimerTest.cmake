@@ -5,6 +5,7 @@ function(eventtimer_add_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE eventtimer_options Qt6::Test ${ARG_LIBRARIES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
   target_compile_definitions(${name} PRIVATE
     EVENTTIMER_TEST_DATA_DIR="${EVENTTIMER_TEST_DATA_DIR}")
   add_test(NAME ${name} COMMAND ${name})

@@ -3,9 +3,9 @@
 #include "eventservice.h"
 #include "iconcache.h"
 #include "settingsstore.h"
+#include "testimages.h"
 #include "urlloader.h"
 
-#include <QBuffer>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -16,19 +16,9 @@
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
+using eventtimer::testing::pngBytes;
 
 namespace {
-
-QByteArray pngBytes(QColor color)
-{
-    QImage image(8, 8, QImage::Format_ARGB32);
-    image.fill(color);
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return data;
-}
 
 // One section whose events each have an icon under base/icons/file/set/<i>.png.
 QByteArray documentWithIcons(const QUrl &base, int icons)

@@ -3,30 +3,20 @@
 #include "iconcache.h"
 #include "imagefetcher.h"
 #include "memorystore.h"
+#include "testimages.h"
 
-#include <QBuffer>
 #include <QJsonDocument>
 #include <QTest>
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
+using eventtimer::testing::pngBytes;
 
 namespace {
 
 QJsonObject object(const QByteArray &json)
 {
     return QJsonDocument::fromJson(json).object();
-}
-
-QByteArray pngOf(QColor color)
-{
-    QImage image(4, 3, QImage::Format_ARGB32);
-    image.fill(color);
-    QByteArray data;
-    QBuffer buffer(&data);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return data;
 }
 
 // Serves fixed bytes per URL and counts what is asked of it.
@@ -188,7 +178,7 @@ void TestEventRecord::iconIsFetchedOnceAndStoredAsTiff()
 {
     MemoryStore store;
     FakeFetcher fetcher;
-    fetcher.responses.insert(iconUrl, pngOf(Qt::red));
+    fetcher.responses.insert(iconUrl, pngBytes(Qt::red, QSize(4, 3)));
     const QByteArray record = R"({"name": "Ember Wyrm", "icon": ")" + iconUrl.toUtf8() + R"("})";
 
     IconCache firstRun(store, fetcher);
@@ -222,7 +212,7 @@ void TestEventRecord::failedFetchIsNotCachedAndRetried()
     QCOMPARE(store.size(), 0);
     QVERIFY(cache.needsFetch(iconUrl));
 
-    fetcher.responses.insert(iconUrl, pngOf(Qt::blue));
+    fetcher.responses.insert(iconUrl, pngBytes(Qt::blue));
     QVERIFY(cache.icon(iconUrl));
     QCOMPARE(fetcher.requests.size(), 3);
     QCOMPARE(store.size(), 1);
@@ -242,7 +232,7 @@ void TestEventRecord::undecodableStoredDataIsKeptAndGivesNoIcon()
     MemoryStore store;
     store.setValue(u"4F2A9C_517"_s, stored);
     FakeFetcher fetcher;
-    fetcher.responses.insert(iconUrl, pngOf(Qt::red));
+    fetcher.responses.insert(iconUrl, pngBytes(Qt::red));
     IconCache cache(store, fetcher);
 
     QVERIFY(!cache.icon(iconUrl));
@@ -254,7 +244,7 @@ void TestEventRecord::urlsSharingAKeyShareTheIcon()
 {
     MemoryStore store;
     FakeFetcher fetcher;
-    fetcher.responses.insert(u"https://h.test/a/X/1.png"_s, pngOf(Qt::green));
+    fetcher.responses.insert(u"https://h.test/a/X/1.png"_s, pngBytes(Qt::green));
     IconCache cache(store, fetcher);
 
     QVERIFY(cache.icon(u"https://h.test/a/X/1.png"_s));
