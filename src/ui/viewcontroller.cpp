@@ -248,18 +248,16 @@ void ViewController::buildTimetable()
     const int scrollBar = m_horizontalScroll->horizontalScrollBar()->sizeHint().height();
     m_sectionsView->setFixedHeight(contentHeight);
     m_verticalScrollContent->setMinimumHeight(contentHeight + scrollBar);
-    m_horizontalScrollContent->setMinimumSize(
-        std::max(static_cast<int>(std::ceil(m_geometry.axisWidth())),
-                 m_horizontalScroll->viewport()->width()),
-        contentHeight);
-    m_horizontalScrollContent->resize(m_horizontalScrollContent->minimumSize());
-    new ResizeWatcher(m_horizontalScroll->viewport(), [this] {
-        m_horizontalScrollContent->resize(
-            std::max(static_cast<int>(std::ceil(m_geometry.axisWidth())),
-                     m_horizontalScroll->viewport()->width()),
-            std::max(static_cast<int>(std::ceil(m_geometry.contentHeight)),
-                     m_horizontalScroll->viewport()->height()));
-    });
+    // The axis fills its viewport and reaches every box; it is measured once.
+    const int axisWidth = static_cast<int>(std::ceil(m_geometry.axisWidth()));
+    m_horizontalScrollContent->setMinimumSize(axisWidth, contentHeight);
+    const auto fitTimeline = [this, axisWidth, contentHeight] {
+        const QSize viewport = m_horizontalScroll->viewport()->size();
+        m_horizontalScrollContent->resize(std::max(axisWidth, viewport.width()),
+                                          std::max(contentHeight, viewport.height()));
+    };
+    fitTimeline();
+    new ResizeWatcher(m_horizontalScroll->viewport(), fitTimeline);
     m_verticalScroll->verticalScrollBar()->setValue(0);
 
     const bool empty = m_sections.isEmpty();
