@@ -1,11 +1,11 @@
 // The data source's two costs that a user feels: the first start, which downloads the document
 // and every icon, and every later start, which reads both from the settings store.
 #include "benchsupport.h"
-#include "clock.h"
-#include "eventdatasource.h"
-#include "eventservice.h"
-#include "settingsstore.h"
-#include "urlloader.h"
+#include "data/eventdatasource.h"
+#include "data/settingsstore.h"
+#include "data/urlloader.h"
+#include "eventservice/eventservice.h"
+#include "model/clock.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>
@@ -32,7 +32,7 @@ constexpr int latencyMs = 50;
 // The realistic document with its first 40 icons pointed at the service (the rest dropped).
 QByteArray documentWithServedIcons()
 {
-    QFile file(QStringLiteral(EVENTTIMER_TEST_DATA_DIR) + u"/documents/realistic.json"_s);
+    QFile file(QStringLiteral(EVENTTIMER_FIXTURES_DIR) + u"/documents/realistic.json"_s);
     if (!file.open(QIODevice::ReadOnly))
         qFatal("cannot read the realistic document");
     QJsonArray sections = QJsonDocument::fromJson(file.readAll()).array();
@@ -117,8 +117,8 @@ void BenchDataSource::firstStartWithSlowIcons()
         store.setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
         QString output;
         QTextStream out(&output);
-        FixedClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
-                         QTimeZone::utc());
+        ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                          QTimeZone::utc());
         EventDataSource source(store, loader, clock, out);
         timer.restart();
         const SectionList sections = source.loadSections();
@@ -159,8 +159,8 @@ void BenchDataSource::startFromTheStore()
         UrlLoader loader;
         QString output;
         QTextStream out(&output);
-        FixedClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
-                         QTimeZone::utc());
+        ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                          QTimeZone::utc());
         EventDataSource source(store, loader, clock, out);
         const SectionList sections = source.loadSections();
         loads.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);

@@ -1,6 +1,6 @@
 #include "benchsupport.h"
-#include "documentparser.h"
-#include "scheduleday.h"
+#include "model/documentparser.h"
+#include "model/scheduleday.h"
 
 #include <QFile>
 #include <QJsonDocument>

@@ -4,11 +4,11 @@
 //   bench_startup            runs the comparison (starts itself in the two modes below)
 //   bench_startup --app      the app's window; quits after its timeline first paints
 //   bench_startup --minimal  one label in a window; quits after it first paints
+#include "app/timetablewindow.h"
 #include "benchsupport.h"
-#include "clock.h"
-#include "eventservice.h"
-#include "timelinewidget.h"
-#include "timetablewindow.h"
+#include "eventservice/eventservice.h"
+#include "model/clock.h"
+#include "ui/timelinewidget.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -57,7 +57,7 @@ private:
 int runApp(int argc, char *argv[])
 {
     QApplication application(argc, argv);
-    const eventtimer::SystemClock clock;
+    eventtimer::SystemClock clock;
     eventtimer::TimetableWindow window(clock);
     new QuitAfterPaint(window.controller().horizontalScrollContent());
     window.show();

@@ -1,10 +1,10 @@
 // The window's costs on a stress day of ~6 000 occurrences: building the timetable, and
 // repainting the visible part of the time axis after a scroll.
 #include "benchsupport.h"
-#include "clock.h"
-#include "documentparser.h"
-#include "timelinewidget.h"
-#include "viewcontroller.h"
+#include "model/clock.h"
+#include "model/documentparser.h"
+#include "ui/timelinewidget.h"
+#include "ui/viewcontroller.h"
 
 #include <QElapsedTimer>
 #include <QScrollBar>
@@ -28,8 +28,8 @@ private Q_SLOTS:
     void repaintAfterScroll();
 
 private:
-    FixedClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
-                       QTimeZone::utc()};
+    ManualClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                        QTimeZone::utc()};
     SectionList m_sections;
 };
 

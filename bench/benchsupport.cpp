@@ -12,7 +12,7 @@ namespace eventtimer::bench {
 
 QByteArray readDocument(const QString &name)
 {
-    QFile file(QString::fromUtf8(EVENTTIMER_TEST_DATA_DIR) + u"/documents/"_s + name);
+    QFile file(QString::fromUtf8(EVENTTIMER_FIXTURES_DIR) + u"/documents/"_s + name);
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return file.readAll();

@@ -1,7 +1,7 @@
-// Fuzzes the event document path end to end: bytes, JSON decoding, parseDocument with the
-// schedule expansion, the event records (colour from "bg", icon through iconCacheKey, the icon
-// cache and its TIFF codec) and the derived times of every occurrence. Aborts, saying which
-// promise broke, when the result is not a model the views can rely on.
+// Fuzzes the event document's path through the core: bytes, JSON decoding, parseDocument with
+// the schedule expansion, the event records (colour from "bg", the icon lookups), the derived
+// times of every occurrence and the day's chat-link occurrences. Aborts, saying which promise
+// broke, when the result is not a model the views and the export can rely on.
 //
 // The first byte picks the day the document is parsed for. JSON allows leading whitespace, so
 // every input stays a plain document and any corpus file can choose:
@@ -11,28 +11,20 @@
 //   '\r'  UTC+14:00, exactly at local midnight
 //   else  UTC at noon
 //
-// Icons never touch the network. The store starts with one entry of each kind the cache can
-// meet: "cached_png" (a PNG), "cached_junk" (bytes that are no image), "cached_number" (not
-// bytes at all) and "cached_empty", so that URLs ending in /cached/png.png and so on hit them.
-// An icon text containing "#stored:" puts what follows it (percent-decoded) in the store under
-// the text's key before parsing, which is how arbitrary bytes reach the TIFF decoder. Every
-// other URL is "downloaded" by FuzzFetcher below.
+// Icons never touch the network: FuzzIcons below answers every lookup from the URL alone and
+// notes what the parser asked for, which must be exactly the icons of the events it kept.
 
-#include "documentparser.h"
-#include "event.h"
-#include "eventcolor.h"
-#include "iconcache.h"
-#include "imagefetcher.h"
-#include "keyvaluestore.h"
-#include "memorystore.h"
-#include "scheduleday.h"
-#include "section.h"
-#include "sequenceitem.h"
-#include "sequencetime.h"
-#include "tiffcodec.h"
+#include "model/documentparser.h"
+#include "model/event.h"
+#include "model/eventcolor.h"
+#include "model/globalsequence.h"
+#include "model/iconlookup.h"
+#include "model/scheduleday.h"
+#include "model/section.h"
+#include "model/sequenceitem.h"
+#include "model/sequencetime.h"
 
 #include <QBuffer>
-#include <QHash>
 #include <QImage>
 #include <QJsonDocument>
 #include <QSet>
@@ -115,186 +107,59 @@ quint32 stableHash(const QString &text)
     return hash;
 }
 
-// A MemoryStore that remembers the last key looked up. The icon cache looks an icon's key up
-// right before it downloads, so the fetcher can tell which key a download is for.
-class RecordingStore final : public KeyValueStore
-{
-public:
-    QVariant value(const QString &key) const override
-    {
-        m_lastKey = key;
-        return m_store.value(key);
-    }
-    void setValue(const QString &key, const QVariant &value) override
-    {
-        m_store.setValue(key, value);
-    }
-    void remove(const QString &key) override { m_store.remove(key); }
-
-    const QString &lastKey() const { return m_lastKey; }
-    // Looks without being recorded.
-    QVariant peek(const QString &key) const { return m_store.value(key); }
-
-private:
-    MemoryStore m_store;
-    mutable QString m_lastKey;
-};
-
 // Answers from the URL alone, so that every input replays the same. A URL with a fragment
-// gets the fragment's percent-decoded bytes, so any bytes at all can reach the image decoders;
-// any other URL gets, by a hash of it, a failure, a good PNG or a PNG cut short.
-class FuzzFetcher final : public ImageFetcher
+// gets the image its percent-decoded bytes make, so any bytes at all can reach the image
+// decoders; any other URL gets, by a hash of it, no icon, the fixture's PNG or a PNG cut short.
+class FuzzIcons final : public IconLookup
 {
 public:
-    explicit FuzzFetcher(const RecordingStore &store)
-        : m_store(store)
-    {}
-
-    Result<QByteArray> fetch(const QUrl &url) override
+    std::optional<QImage> icon(const QString &url) override
     {
-        const QString key = m_store.lastKey();
-        require(!m_store.peek(key).isValid(),
-                "an icon is downloaded only when nothing is stored under its key",
-                [&] { return key + u" for "_s + url.toString(); });
-        require(!m_decodedKeys.contains(key),
-                "an icon that downloaded and decoded is stored, not downloaded again",
-                [&] { return key + u" for "_s + url.toString(); });
-
-        if (url.hasFragment())
-            return QByteArray::fromPercentEncoding(url.fragment(QUrl::FullyEncoded).toLatin1());
-        const quint32 hash = stableHash(url.toString(QUrl::FullyEncoded));
-        switch (hash % 3) {
-        case 0:
-            return Error{u"connection refused"_s};
-        case 1:
-            m_decodedKeys.insert(key);
-            return fixture->png;
-        default:
-            return fixture->png.left(hash % fixture->png.size());
+        asked.append(url);
+        QByteArray bytes;
+        const QUrl parsed(url);
+        if (parsed.hasFragment()) {
+            bytes = QByteArray::fromPercentEncoding(parsed.fragment(QUrl::FullyEncoded).toLatin1());
+        } else {
+            const quint32 hash = stableHash(url);
+            if (hash % 3 == 0)
+                return std::nullopt;
+            bytes = hash % 3 == 1 ? fixture->png : fixture->png.left(hash % fixture->png.size());
         }
+        QImage image = QImage::fromData(bytes);
+        if (image.isNull())
+            return std::nullopt;
+        return image;
     }
 
-    // Keys whose download was the good PNG: the cache must have stored it.
-    const QSet<QString> &decodedKeys() const { return m_decodedKeys; }
-
-private:
-    const RecordingStore &m_store;
-    QSet<QString> m_decodedKeys;
+    QStringList asked;
 };
 
-// Whether two images have the same size and the same RGBA8888 pixels.
-bool samePixels(const QImage &a, const QImage &b)
-{
-    if (a.size() != b.size())
-        return false;
-    const QImage left = a.convertToFormat(QImage::Format_RGBA8888);
-    const QImage right = b.convertToFormat(QImage::Format_RGBA8888);
-    const auto rowBytes = static_cast<size_t>(left.width()) * 4;
-    for (int y = 0; y < left.height(); ++y) {
-        if (std::memcmp(left.constScanLine(y), right.constScanLine(y), rowBytes) != 0)
-            return false;
-    }
-    return true;
-}
-
-// A fetcher that only counts: every download fails, so asking changes nothing in the store.
-class CountingFetcher final : public ImageFetcher
-{
-public:
-    Result<QByteArray> fetch(const QUrl &) override
-    {
-        ++m_count;
-        return Error{u"offline"_s};
-    }
-    int count() const { return m_count; }
-
-private:
-    int m_count = 0;
-};
-
-// The icon texts of the document's segments, in document order.
-QStringList iconTexts(const QJsonArray &document)
+// The icon texts of the events of the kept sections, in the order the parser builds them: the
+// lookups it makes, no more (no skipped record, no unprobed key, no empty name).
+QStringList expectedLookups(const QJsonArray &document, const ParsedDocument &parsed)
 {
     QStringList texts;
-    for (const QJsonValue &element : document) {
-        const QJsonObject segments = element.toObject().value(u"segments").toObject();
-        for (const QJsonValue &segment : segments) {
-            const QJsonValue icon = segment.toObject().value(u"icon");
-            if (icon.isString())
+    qsizetype skipped = 0;
+    for (qsizetype i = 0; i < document.size(); ++i) {
+        if (skipped < parsed.skipped.size() && parsed.skipped.at(skipped).number == i + 1) {
+            ++skipped;
+            continue;
+        }
+        const QJsonObject segments = document.at(i).toObject().value(u"segments").toObject();
+        for (qsizetype key = 0; key <= segments.size(); ++key) {
+            const QJsonObject segment = segments.value(QString::number(key)).toObject();
+            const QJsonValue icon = segment.value(u"icon");
+            if (!segment.value(u"name").toString().isEmpty() && icon.isString())
                 texts.append(icon.toString());
         }
     }
     return texts;
 }
 
-// After parsing, needsFetch(url) must tell exactly whether icon(url) would download.
-void checkNeedsFetch(KeyValueStore &store, const QStringList &icons)
-{
-    CountingFetcher counter;
-    IconCache cache(store, counter);
-    for (const QString &url : icons) {
-        const bool expected = cache.needsFetch(url);
-        const int before = counter.count();
-        cache.icon(url);
-        require(expected == (counter.count() > before), "needsFetch tells whether icon() fetches",
-                [&] { return url + (expected ? u" (said yes)"_s : u" (said no)"_s); });
-    }
-}
-
-// What the store holds before parsing: the fixed entries, then the "#stored:" payloads of the
-// document's icon texts. Nothing put there beforehand may change, since a stored value that
-// does not decode is kept as it is and a stored value that does is never fetched again.
-QHash<QString, QVariant> storeBeforeParsing(const QStringList &icons)
-{
-    QHash<QString, QVariant> entries{
-        {u"cached_png"_s, fixture->png},
-        {u"cached_junk"_s, QByteArrayLiteral("not an image")},
-        {u"cached_number"_s, 42},
-        {u"cached_empty"_s, QByteArray()},
-    };
-    const QString marker = u"#stored:"_s;
-    for (const QString &icon : icons) {
-        const qsizetype at = icon.indexOf(marker);
-        if (at < 0)
-            continue;
-        if (const std::optional<QString> key = iconCacheKey(icon))
-            entries.insert(*key,
-                           QByteArray::fromPercentEncoding(icon.mid(at + marker.size()).toUtf8()));
-    }
-    return entries;
-}
-
-void checkStore(const RecordingStore &store, const QHash<QString, QVariant> &before,
-                const FuzzFetcher &fetcher)
-{
-    for (auto it = before.cbegin(); it != before.cend(); ++it)
-        require(store.peek(it.key()) == it.value(), "a value stored before parsing is kept",
-                [&] { return it.key(); });
-
-    // A download that decoded is stored in the layout the cache's own codec reads directly.
-    const QImage png = QImage::fromData(fixture->png);
-    for (const QString &key : fetcher.decodedKeys()) {
-        const QVariant stored = store.peek(key);
-        const std::optional<QImage> image = TiffCodec::decodeBaseline(
-            stored.typeId() == QMetaType::QByteArray ? stored.toByteArray() : QByteArray());
-        require(image && samePixels(*image, png),
-                "a downloaded icon is stored as TIFF with the downloaded pixels",
-                [&] { return key; });
-    }
-}
-
-// An icon the cache hands out must survive the cache's own TIFF round trip unchanged, or the
-// next start would show a different icon.
 void checkIcon(const QImage &icon, const QString &eventName)
 {
     require(!icon.isNull(), "an icon that is present has pixels", [&] { return eventName; });
-    if (qint64{icon.width()} * icon.height() > TiffCodec::maxPixels)
-        return;
-    const std::optional<QImage> again = TiffCodec::decodeBaseline(TiffCodec::encode(icon));
-    require(again && samePixels(*again, icon), "an icon survives the TIFF round trip", [&] {
-        return eventName + u": "_s + QString::number(icon.width()) + u'x' +
-               QString::number(icon.height());
-    });
 }
 
 void checkColor(const EventColor &color, const QString &eventName)
@@ -439,6 +304,28 @@ void checkDocument(const QJsonArray &document, const ParsedDocument &parsed, con
     require(skipped == parsed.skipped.size(), "skipped sections are numbered in document order");
 }
 
+// The day's chat-link occurrences: one entry per chat-link occurrence of the kept sections,
+// less at most one per section, each under a key at or after its own start.
+void checkGlobalSequence(const ParsedDocument &parsed, const DayChoice &choice)
+{
+    const GlobalSequence sequence = globalSequence(parsed.sections, choice.zone);
+    qsizetype registrations = 0;
+    for (const auto &section : parsed.sections)
+        for (const auto &item : section->sequence)
+            registrations += item->event->chatLink ? 1 : 0;
+    require(static_cast<qsizetype>(sequence.size()) <= registrations &&
+                static_cast<qsizetype>(sequence.size()) >= registrations - parsed.sections.size(),
+            "every chat-link occurrence is registered, less at most one per section", [&] {
+                return QString::number(sequence.size()) + u" of "_s +
+                       QString::number(registrations);
+            });
+    for (const auto &[key, event] : sequence) {
+        require(event && event->chatLink.has_value(), "only events with a chat link are published");
+        require(key >= 0, "keys count from the start of the day",
+                [&] { return QString::number(key); });
+    }
+}
+
 QByteArray encodedPng()
 {
     QImage image(3, 2, QImage::Format_ARGB32);
@@ -474,12 +361,9 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
         encodedPng(),
     };
 
-    // Without a PNG decoder every icon would silently be absent and the cache untested.
-    const QImage decoded = QImage::fromData(made->png);
-    const std::optional<QImage> stored = TiffCodec::decodeBaseline(TiffCodec::encode(decoded));
-    if (decoded.isNull() || !stored || !samePixels(*stored, decoded)) {
-        std::fprintf(stderr, "document_fuzzer: an icon does not round-trip through PNG and "
-                             "the TIFF codec\n");
+    // Without a PNG decoder every icon would silently be absent and the lookups untested.
+    if (QImage::fromData(made->png).isNull()) {
+        std::fprintf(stderr, "document_fuzzer: the PNG fixture does not decode\n");
         std::abort();
     }
     fixture = made;
@@ -495,19 +379,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return -1; // not an event document: keep it out of the corpus
 
     const QJsonArray array = document.array();
-    const QStringList iconUrls = iconTexts(array);
-    const QHash<QString, QVariant> before = storeBeforeParsing(iconUrls);
-    RecordingStore store;
-    for (auto it = before.cbegin(); it != before.cend(); ++it)
-        store.setValue(it.key(), it.value());
-    FuzzFetcher fetcher(store);
-    IconCache icons(store, fetcher);
+    FuzzIcons icons;
     const ScheduleDay day = ScheduleDay::containing(choice.now, choice.zone);
 
     const ParsedDocument parsed = parseDocument(array, ParseContext{day, &icons});
 
     checkDocument(array, parsed, day, choice);
-    checkStore(store, before, fetcher);
-    checkNeedsFetch(store, iconUrls);
+    const QStringList expected = expectedLookups(array, parsed);
+    require(icons.asked == expected, "icons are looked up for the kept events only, in order", [&] {
+        return QString::number(icons.asked.size()) + u" asked, "_s +
+               QString::number(expected.size()) + u" expected"_s;
+    });
+    checkGlobalSequence(parsed, choice);
     return 0;
 }

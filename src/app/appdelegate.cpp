@@ -1,4 +1,4 @@
-#include "appdelegate.h"
+#include "app/appdelegate.h"
 
 namespace eventtimer {
 

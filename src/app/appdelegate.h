@@ -14,7 +14,9 @@ class AppDelegate : public QObject
 public:
     using QObject::QObject;
 
+    // Called by main() once the window is shown and before the event loop runs.
     void applicationDidFinishLaunching();
+    // Connected to QCoreApplication::aboutToQuit.
     void applicationWillTerminate();
 };
 

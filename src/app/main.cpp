@@ -1,7 +1,7 @@
 // Event Timer: today's recurring events of the game, one row per section, on a scrolling day.
-#include "appdelegate.h"
-#include "clock.h"
-#include "timetablewindow.h"
+#include "app/appdelegate.h"
+#include "app/timetablewindow.h"
+#include "model/clock.h"
 
 #include <QApplication>
 
@@ -18,7 +18,7 @@ int main(int argc, char *argv[])
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
                      &eventtimer::AppDelegate::applicationWillTerminate);
 
-    const eventtimer::SystemClock clock;
+    eventtimer::SystemClock clock;
     eventtimer::TimetableWindow window(clock);
     window.show();
     delegate.applicationDidFinishLaunching();

@@ -1,45 +1,18 @@
-#include "timetablewindow.h"
+#include "app/timetablewindow.h"
 
-#include "eventdatasource.h"
-#include "settingsstore.h"
-#include "suiteexport.h"
-#include "urlloader.h"
+#include "data/eventdatasource.h"
+#include "data/settingsstore.h"
+#include "data/suiteexport.h"
+#include "data/urlloader.h"
+#include "ui/eventhook.h"
 
-#include <QEvent>
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
-namespace {
-
-// Builds the timetable the first time the view is shown.
-class FirstShow : public QObject
-{
-public:
-    FirstShow(QWidget *view, ViewController &controller)
-        : QObject(view)
-        , m_controller(controller)
-    {
-        view->installEventFilter(this);
-    }
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Show)
-            m_controller.viewDidAppear();
-        return false;
-    }
-
-private:
-    ViewController &m_controller;
-};
-
-} // namespace
-
-TimetableWindow::TimetableWindow(const Clock &clock)
+TimetableWindow::TimetableWindow(Clock &clock)
     : m_clock(clock)
     , m_out(stdout)
 {
@@ -61,7 +34,10 @@ TimetableWindow::TimetableWindow(const Clock &clock)
     m_window.setCentralWidget(m_controller->view());
     const QSize available = m_window.screen()->availableSize();
     m_window.resize(std::min(1280, available.width()), std::min(800, available.height()));
-    new FirstShow(m_controller->view(), *m_controller);
+    // The timetable is built when the view first shows, as it is on the screen.
+    ViewController *controller = m_controller.get();
+    new EventHook(m_controller->view(), QEvent::Show,
+                  [controller] { controller->viewDidAppear(); });
 }
 
 void TimetableWindow::show()

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "appdelegate.h"
-#include "clock.h"
-#include "viewcontroller.h"
+#include "model/clock.h"
+#include "ui/viewcontroller.h"
 
 #include <QMainWindow>
 #include <QTextStream>
@@ -16,7 +15,7 @@ namespace eventtimer {
 class TimetableWindow
 {
 public:
-    explicit TimetableWindow(const Clock &clock);
+    explicit TimetableWindow(Clock &clock);
 
     // Loads the sections (from the store, or downloaded) and shows the window; the timetable
     // is built when the window first appears.
@@ -26,7 +25,7 @@ public:
     ViewController &controller() { return *m_controller; }
 
 private:
-    const Clock &m_clock;
+    Clock &m_clock;
     QTextStream m_out;
     std::unique_ptr<ViewController> m_controller;
     QMainWindow m_window;

@@ -1,10 +1,9 @@
-#include "eventdatasource.h"
+#include "data/eventdatasource.h"
 
-#include "clock.h"
-#include "documentparser.h"
-#include "iconcache.h"
-#include "settingsstore.h"
-#include "urlloader.h"
+#include "data/iconcache.h"
+#include "data/settingsstore.h"
+#include "data/urlloader.h"
+#include "model/clock.h"
 
 #include <QJsonDocument>
 #include <QSet>
@@ -20,34 +19,61 @@ const QString connectionError = u"[ERROR] There is an unspecified error with the
 const QString parseError = u"[ERROR] An error has happened with parsing of json data"_s;
 const QString jsonOk = u"[JSON] OK!"_s;
 
-// Parsing after the prefetch must not reach the network again: whatever was missing has just
-// been tried, and what failed is tried again on the next start.
-class NoFetch final : public ImageFetcher
+// The first pass over the document: answers from the store and notes every icon asked for,
+// in order, and whether any was missing.
+class AskedIcons final : public IconLookup
 {
 public:
-    Result<QByteArray> fetch(const QUrl &) override
+    explicit AskedIcons(IconCache &cache)
+        : m_cache(cache)
+    {}
+
+    std::optional<QImage> icon(const QString &url) override
     {
-        return Error{u"not fetched again in this start"_s};
+        asked.append(url);
+        missing = missing || (iconCacheKey(url) && !m_cache.has(url));
+        return m_cache.icon(url);
     }
+
+    QStringList asked;
+    bool missing = false;
+
+private:
+    IconCache &m_cache;
 };
 
-// The icon texts of every segment record of the document, each once.
-QStringList iconTexts(const QJsonArray &document)
+// The second pass, after the missing icons were fetched: what each event would have shown had
+// its icon been fetched at the moment it was asked for. A key fetched in this start shows from
+// the first URL that brought it on, not for the events asked for before that.
+class FetchedIcons final : public IconLookup
 {
-    QStringList texts;
-    QSet<QString> seen;
-    for (const QJsonValue &element : document) {
-        const QJsonObject segments = element.toObject().value(u"segments").toObject();
-        for (auto it = segments.constBegin(); it != segments.constEnd(); ++it) {
-            const QJsonValue icon = it.value().toObject().value(u"icon");
-            if (icon.isString() && !seen.contains(icon.toString())) {
-                seen.insert(icon.toString());
-                texts.append(icon.toString());
-            }
-        }
+public:
+    FetchedIcons(IconCache &cache, const QHash<QString, bool> &fetched)
+        : m_cache(cache)
+        , m_fetched(fetched)
+    {
+        for (auto it = fetched.cbegin(); it != fetched.cend(); ++it)
+            m_fetchedKeys.insert(*iconCacheKey(it.key()));
     }
-    return texts;
-}
+
+    std::optional<QImage> icon(const QString &url) override
+    {
+        const std::optional<QString> key = iconCacheKey(url);
+        if (!key)
+            return std::nullopt;
+        if (m_fetched.value(url))
+            m_arrived.insert(*key);
+        if (m_fetchedKeys.contains(*key) && !m_arrived.contains(*key))
+            return std::nullopt;
+        return m_cache.icon(url);
+    }
+
+private:
+    IconCache &m_cache;
+    const QHash<QString, bool> &m_fetched;
+    QSet<QString> m_fetchedKeys;
+    QSet<QString> m_arrived;
+};
 
 } // namespace
 
@@ -116,39 +142,25 @@ SectionList EventDataSource::loadSections()
     }
     say(jsonOk);
 
-    prefetchIcons(document.array());
-    NoFetch noFetch;
-    IconCache icons(m_store, noFetch);
     const ParsedDocument parsed =
-        parseDocument(document.array(), {ScheduleDay::containing(now, m_clock.zone()), &icons});
+        parseWithIcons(document.array(), ScheduleDay::containing(now, m_clock.zone()));
     for (const SkippedSection &skipped : parsed.skipped)
         say(skipped.line());
     return parsed.sections;
 }
 
-void EventDataSource::prefetchIcons(const QJsonArray &document)
+ParsedDocument EventDataSource::parseWithIcons(const QJsonArray &document, const ScheduleDay &day)
 {
-    NoFetch noFetch;
-    IconCache icons(m_store, noFetch);
-    QStringList missing;
-    QSet<QString> keys;
-    for (const QString &text : iconTexts(document)) {
-        const std::optional<QString> key = iconCacheKey(text);
-        if (icons.needsFetch(text) && !keys.contains(*key)) {
-            keys.insert(*key);
-            missing.append(text);
-        }
-    }
-    if (missing.isEmpty())
-        return;
-
-    QList<QUrl> urls;
-    for (const QString &text : std::as_const(missing))
-        urls.append(QUrl(text, QUrl::StrictMode));
-    const QList<Result<QByteArray>> fetched = m_loader.readAll(urls, iconConcurrency);
-    for (qsizetype i = 0; i < missing.size(); ++i)
-        icons.storeFetched(missing.at(i), fetched.at(i));
+    // A start from the store parses once; only missing icons cost a second pass.
+    IconCache cache(m_store);
+    AskedIcons asked(cache);
+    ParsedDocument parsed = parseDocument(document, {day, &asked});
+    if (!asked.missing)
+        return parsed;
+    const QHash<QString, bool> fetched = cache.fetchMissing(asked.asked, m_loader, iconConcurrency);
     m_store.sync();
+    FetchedIcons icons(cache, fetched);
+    return parseDocument(document, {day, &icons});
 }
 
 void EventDataSource::say(const QString &line)

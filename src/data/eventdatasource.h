@@ -1,6 +1,7 @@
 #pragma once
 
-#include "section.h"
+#include "model/documentparser.h"
+#include "model/section.h"
 
 #include <QJsonArray>
 #include <QTextStream>
@@ -32,8 +33,9 @@ public:
 
 private:
     void say(const QString &line);
-    // Downloads the icons of the document that are not in the store yet, several at a time.
-    void prefetchIcons(const QJsonArray &document);
+    // Parses the document with the icons its kept events ask for: those in the store, and
+    // those missing, fetched first.
+    ParsedDocument parseWithIcons(const QJsonArray &document, const ScheduleDay &day);
 
     SettingsStore &m_store;
     UrlLoader &m_loader;

@@ -1,4 +1,4 @@
-#include "settingsstore.h"
+#include "data/settingsstore.h"
 
 #include <QDataStream>
 #include <QStandardPaths>

@@ -1,6 +1,6 @@
-#include "suiteexport.h"
+#include "data/suiteexport.h"
 
-#include "settingsstore.h"
+#include "data/settingsstore.h"
 
 #include <QVariantList>
 

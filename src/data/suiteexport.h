@@ -1,23 +1,17 @@
 #pragma once
 
-#include "event.h"
-#include "keyvaluestore.h"
-#include "result.h"
+#include "data/keyvaluestore.h"
+#include "model/globalsequence.h"
+#include "model/result.h"
 
 #include <QList>
 #include <QSettings>
 #include <QStringList>
 #include <QStringView>
 
-#include <map>
 #include <memory>
 
 namespace eventtimer {
-
-// The day's chat-link occurrences: start in seconds of the day (raised by 1 while taken) to
-// the event. The timetable layout fills it under the same name; the alias is repeated here so
-// that the data library does not depend on the layout.
-using GlobalSequence = std::map<qint64, std::shared_ptr<Event>>;
 
 // The suite that companion programs of the application group read, and the keys written there.
 namespace suitekeys {

@@ -1,4 +1,4 @@
-#include "urlloader.h"
+#include "data/urlloader.h"
 
 #include <QEventLoop>
 #include <QHostAddress>

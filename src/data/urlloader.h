@@ -1,7 +1,6 @@
 #pragma once
 
-#include "imagefetcher.h"
-#include "result.h"
+#include "model/result.h"
 
 #include <QByteArray>
 #include <QList>
@@ -19,7 +18,7 @@ namespace eventtimer {
 // https is accepted, and plain http to a loopback host. Every read is bounded in time and
 // size, TLS certificates are verified, and any reply error — an HTTP error status, a
 // redirect to a refused address, a time-out, a body over the cap — is a failed read.
-class UrlLoader final : public ImageFetcher
+class UrlLoader final
 {
 public:
     struct Limits
@@ -30,15 +29,13 @@ public:
 
     UrlLoader();
     explicit UrlLoader(Limits limits);
-    ~UrlLoader() override;
+    ~UrlLoader();
 
     Result<QByteArray> read(const QUrl &url);
     // Reads several URLs at once, at most `concurrency` at a time; results in the order given.
     // Over HTTP/1.1 one network manager keeps at most six connections to a host, so reads are
     // spread over as many managers as the concurrency needs.
     QList<Result<QByteArray>> readAll(const QList<QUrl> &urls, int concurrency);
-
-    Result<QByteArray> fetch(const QUrl &url) override { return read(url); }
 
     // Whether the loader will talk to this address at all.
     static Result<void> checkAddress(const QUrl &url);

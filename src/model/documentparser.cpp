@@ -1,8 +1,8 @@
-#include "documentparser.h"
+#include "model/documentparser.h"
 
-#include "eventrecord.h"
-#include "expansion.h"
-#include "jsonfields.h"
+#include "model/eventrecord.h"
+#include "model/expansion.h"
+#include "model/jsonfields.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,8 +32,6 @@ Result<std::shared_ptr<Section>> parseSection(const QJsonObject &record,
     section->name = name.value();
     section->wiki = jsonfields::optionalString(record, u"link").value_or(section->name);
 
-    // Everything the section needs is checked before any event is built, so that a broken
-    // record costs no icon download.
     const QString where = u'"' + section->name + u'"';
     const Result<QJsonObject> segments = jsonfields::requireObject(record, u"segments");
     if (!segments)
@@ -71,12 +69,17 @@ Result<std::shared_ptr<Section>> parseSection(const QJsonObject &record,
     }
     section->events.reserve(records.size());
     for (const QJsonObject &segment : std::as_const(records))
-        section->events.append(parseEvent(segment, section->name, context.icons));
+        section->events.append(parseEvent(segment, section->name, nullptr));
 
     const Status expanded =
         expandSchedule(*section, skippedSegments, partial.value(), pattern.value(), context.day);
     if (!expanded)
         return reasonOf(expanded, where);
+    // A record that is left out asks for no icon, so that it costs no download.
+    if (context.icons) {
+        for (qsizetype i = 0; i < records.size(); ++i)
+            section->events.at(i)->icon = iconOf(records.at(i), *context.icons);
+    }
     return section;
 }
 

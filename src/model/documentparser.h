@@ -1,8 +1,8 @@
 #pragma once
 
-#include "result.h"
-#include "scheduleday.h"
-#include "section.h"
+#include "model/result.h"
+#include "model/scheduleday.h"
+#include "model/section.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -10,18 +10,19 @@
 
 namespace eventtimer {
 
-class IconCache;
+class IconLookup;
 
-// What every section of one document is parsed against: the day its schedule fills, and the
-// icon cache (none: events get no icon).
+// What every section of one document is parsed against: the day its schedule fills, and where
+// icons are looked up (none: events get no icon).
 struct ParseContext
 {
     ScheduleDay day;
-    IconCache *icons = nullptr;
+    IconLookup *icons = nullptr;
 };
 
 // One section record: its events in segment-key order and its day of occurrences. Fails with
-// the reason when the record breaks the document rules.
+// the reason when the record breaks the document rules. Icons are looked up only for the events
+// of a record that is kept.
 Result<std::shared_ptr<Section>> parseSection(const QJsonObject &record,
                                               const ParseContext &context);
 

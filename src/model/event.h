@@ -1,6 +1,6 @@
 #pragma once
 
-#include "eventcolor.h"
+#include "model/eventcolor.h"
 
 #include <QImage>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "eventcolor.h"
+#include "model/eventcolor.h"
 
 #include <algorithm>
 

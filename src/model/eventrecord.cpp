@@ -1,8 +1,8 @@
-#include "eventrecord.h"
+#include "model/eventrecord.h"
 
-#include "event.h"
-#include "iconcache.h"
-#include "jsonfields.h"
+#include "model/event.h"
+#include "model/iconlookup.h"
+#include "model/jsonfields.h"
 
 #include <QJsonArray>
 
@@ -11,18 +11,24 @@
 namespace eventtimer {
 
 std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sectionName,
-                                  IconCache *icons)
+                                  IconLookup *icons)
 {
     auto event = std::make_shared<Event>();
     event->section = sectionName;
     event->name = record.value(u"name").toString();
     event->wiki = jsonfields::optionalString(record, u"link").value_or(event->name);
     event->chatLink = jsonfields::optionalString(record, u"chatlink");
-    if (const std::optional<QString> icon = jsonfields::optionalString(record, u"icon");
-        icon && icons)
-        event->icon = icons->icon(*icon);
+    if (icons)
+        event->icon = iconOf(record, *icons);
     event->backgroundColor = colorFromBackground(record.value(u"bg"));
     return event;
+}
+
+std::optional<QImage> iconOf(const QJsonObject &record, IconLookup &icons)
+{
+    if (const std::optional<QString> url = jsonfields::optionalString(record, u"icon"))
+        return icons.icon(*url);
+    return std::nullopt;
 }
 
 EventColor colorFromBackground(const QJsonValue &background)

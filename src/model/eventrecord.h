@@ -1,23 +1,28 @@
 #pragma once
 
-#include "eventcolor.h"
+#include "model/eventcolor.h"
 
+#include <QImage>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace eventtimer {
 
 class Event;
-class IconCache;
+class IconLookup;
 
 // Builds the event of one segment record whose "name" is a non-empty string (the parser has
-// checked that). Optional keys of the wrong type count as missing. Without an icon cache the
-// event has no icon.
+// checked that). Optional keys of the wrong type count as missing. Without icons to look up
+// the event has no icon.
 std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sectionName,
-                                  IconCache *icons);
+                                  IconLookup *icons);
+
+// The icon of a segment record: looked up under its "icon" text when that is a string.
+std::optional<QImage> iconOf(const QJsonObject &record, IconLookup &icons);
 
 // The colour a "bg" value gives: [r, g, b] with components 0…255, or an array whose first
 // element is such a triple (unwrapped once only). Anything else gives the default colour.

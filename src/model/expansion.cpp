@@ -1,7 +1,7 @@
-#include "expansion.h"
+#include "model/expansion.h"
 
-#include "jsonfields.h"
-#include "section.h"
+#include "model/jsonfields.h"
+#include "model/section.h"
 
 #include <optional>
 #include <vector>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "result.h"
-#include "scheduleday.h"
+#include "model/result.h"
+#include "model/scheduleday.h"
 
 #include <QJsonArray>
 #include <QJsonValue>

@@ -1,4 +1,4 @@
-#include "jsonfields.h"
+#include "model/jsonfields.h"
 
 #include <QJsonDocument>
 #include <QVariant>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "result.h"
+#include "model/result.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

@@ -1,4 +1,4 @@
-#include "scheduleday.h"
+#include "model/scheduleday.h"
 
 #include <cmath>
 

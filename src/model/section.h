@@ -1,7 +1,7 @@
 #pragma once
 
-#include "event.h"
-#include "sequenceitem.h"
+#include "model/event.h"
+#include "model/sequenceitem.h"
 
 #include <QList>
 #include <QString>

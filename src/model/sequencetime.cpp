@@ -1,7 +1,7 @@
-#include "sequencetime.h"
+#include "model/sequencetime.h"
 
-#include "scheduleday.h"
-#include "sequenceitem.h"
+#include "model/scheduleday.h"
+#include "model/sequenceitem.h"
 
 namespace eventtimer {
 
@@ -16,6 +16,21 @@ QString startTimeText(const SequenceItem &item, const QTimeZone &zone, const QDa
 {
     const auto offset = static_cast<double>(zone.offsetFromUtc(now));
     return dateTimeFromSeconds(item.time + offset, zone).toString(u"HH:mm");
+}
+
+DayMinutes::DayMinutes(QTimeZone zone)
+    : m_zone(std::move(zone))
+{}
+
+qint64 DayMinutes::of(const SequenceItem &item)
+{
+    if (!(item.time >= m_dayStart && item.time < m_dayEnd)) {
+        const QDate day = dateTimeFromSeconds(item.time, m_zone).date();
+        m_dayStart = secondsSinceEpoch(day.startOfDay(m_zone));
+        m_dayEnd = secondsSinceEpoch(day.addDays(1).startOfDay(m_zone));
+    }
+    // Equal to minutesFromDayStart: the item lies in [start, end) of its own local day.
+    return static_cast<qint64>((item.time - m_dayStart) / 60.0);
 }
 
 } // namespace eventtimer

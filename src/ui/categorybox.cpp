@@ -1,4 +1,4 @@
-#include "categorybox.h"
+#include "ui/categorybox.h"
 
 #include <QPainter>
 

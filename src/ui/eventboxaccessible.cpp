@@ -1,7 +1,7 @@
-#include "eventboxaccessible.h"
+#include "ui/eventboxaccessible.h"
 
-#include "event.h"
-#include "timelinewidget.h"
+#include "model/event.h"
+#include "ui/timelinewidget.h"
 
 #include <QKeySequence>
 #include <QWindow>

@@ -1,7 +1,7 @@
-#include "timelineaccessible.h"
+#include "ui/timelineaccessible.h"
 
-#include "eventboxaccessible.h"
-#include "timelinewidget.h"
+#include "ui/eventboxaccessible.h"
+#include "ui/timelinewidget.h"
 
 namespace eventtimer {
 

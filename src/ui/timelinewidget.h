@@ -1,11 +1,11 @@
 #pragma once
 
-#include "timetablelayout.h"
+#include "timetable/timelinenavigation.h"
+#include "timetable/timetablelayout.h"
+#include "ui/eventboxpainter.h"
 
 #include <QCache>
-#include <QHash>
 #include <QPixmap>
-#include <QStaticText>
 #include <QWidget>
 
 #include <optional>
@@ -17,16 +17,13 @@ namespace eventtimer {
 // more to build than its arithmetic. The current-time marker is painted first, under the
 // boxes; copy buttons are hit-tested, with a pointing cursor and the chat link as tooltip.
 //
-// Keyboard users move a focus ring from box to box (left and right in time within a row, up
-// and down between rows) and copy with Enter or the copy shortcut; assistive technology sees
-// one item per box (see TimelineAccessible).
+// Keyboard users move a focus ring from box to box (TimelineNavigation) and copy with Enter or
+// the copy shortcut; assistive technology sees one item per box (TimelineAccessible).
 class TimelineWidget : public QWidget
 {
     Q_OBJECT
 
 public:
-    static constexpr QSizeF copyButtonSize{20.0, 18.0};
-
     explicit TimelineWidget(QWidget *parent = nullptr);
 
     void setBoxes(QList<EventBoxGeometry> boxes);
@@ -73,19 +70,9 @@ private:
     // each minute's marker move then cost a blit per box. Bounded to a few screens' worth.
     static constexpr qsizetype pixmapCacheKb = 12 * 1024;
 
-    void paintBox(QPainter &painter, qsizetype index);
+    EventBoxPainter::State stateOf(qsizetype index) const;
     const QPixmap &boxPixmap(qsizetype index);
     void invalidateBox(qsizetype index);
-    const QPixmap &iconOf(const Event &event);
-    enum class ButtonState
-    {
-        Normal,
-        Hovered,
-        Pressed
-    };
-    const QPixmap &buttonPixmap(ButtonState state);
-    const QStaticText &nameText(qsizetype index);
-    const QStaticText &timeText(const QString &text);
     void setHovered(std::optional<qsizetype> button);
 
     enum class Reveal
@@ -95,30 +82,19 @@ private:
     };
     void setCurrent(qsizetype box, Reveal reveal);
     void notifyAccessibleFocus();
-    // Where the focus ring goes when the keyboard enters the timeline without a current box.
-    std::optional<qsizetype> initialBox() const;
-    // The box of a row nearest to x: the one spanning it, else the closest edge.
-    qsizetype nearestInRow(qsizetype row, double x) const;
-    // The nearest row before or after a row that has boxes.
-    std::optional<qsizetype> rowWithBoxes(qsizetype from, qsizetype step) const;
-    std::optional<qsizetype> boxForKey(int key) const;
+    // Where the focus ring goes when the keyboard enters the timeline without a current box:
+    // near the marker, in the first row in view.
+    std::optional<qsizetype> entryBox() const;
 
     QList<EventBoxGeometry> m_boxes;
-    // Filled on first paint of a box: the name cut to the box's width.
-    QList<std::optional<QStaticText>> m_nameTexts;
-    QHash<QString, QStaticText> m_timeTexts;
-    QHash<const Event *, QPixmap> m_icons;
+    TimelineNavigation m_navigation;
+    EventBoxPainter m_painter;
     QCache<qsizetype, QPixmap> m_boxPixmaps{pixmapCacheKb};
     QPixmap m_uncached;
-    QPixmap m_buttonPixmaps[3];
     bool m_paintedOnce = false;
     std::optional<double> m_markerX;
     std::optional<qsizetype> m_hoveredButton;
     std::optional<qsizetype> m_pressedButton;
-
-    // Per row (section label index), its boxes in time order; per box, its place there.
-    QList<QList<qsizetype>> m_rows;
-    QList<qsizetype> m_placeInRow;
     std::optional<qsizetype> m_currentBox;
 };
 

@@ -1,22 +1,16 @@
-#include "viewcontroller.h"
+#include "ui/viewcontroller.h"
 
-#include "categorybox.h"
-#include "clock.h"
-#include "scroll/horizontalscroll.h"
-#include "timebase.h"
-#include "timelinewidget.h"
+#include "model/clock.h"
+#include "timetable/layoutconstants.h"
+#include "timetable/timebase.h"
+#include "ui/categorybox.h"
+#include "ui/eventhook.h"
 
 #include <QClipboard>
-#include <QEvent>
-#include <QFrame>
 #include <QGraphicsDropShadowEffect>
-#include <QGroupBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QLabel>
-#include <QScrollArea>
 #include <QScrollBar>
-#include <QTimer>
 #include <QVBoxLayout>
 #include <QtMath>
 
@@ -29,28 +23,8 @@ namespace eventtimer {
 
 namespace {
 
-// Keeps the children of a widget where the controller put them when it is resized.
-class ResizeWatcher : public QObject
-{
-public:
-    ResizeWatcher(QWidget *watched, std::function<void()> onResize)
-        : QObject(watched)
-        , m_onResize(std::move(onResize))
-    {
-        watched->installEventFilter(this);
-    }
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Resize)
-            m_onResize();
-        return false;
-    }
-
-private:
-    std::function<void()> m_onResize;
-};
+using C = LayoutConstants;
+using W = WindowConstants;
 
 QLabel *plainLabel(const QString &text, QWidget *parent)
 {
@@ -63,7 +37,7 @@ QLabel *plainLabel(const QString &text, QWidget *parent)
 } // namespace
 
 ViewController::ViewController(SectionSource loadSections, SuiteExporter exportToSharedSuite,
-                               const Clock &clock, QObject *parent)
+                               Clock &clock, QObject *parent)
     : QObject(parent)
     , m_loadSections(std::move(loadSections))
     , m_exportToSharedSuite(std::move(exportToSharedSuite))
@@ -133,10 +107,11 @@ void ViewController::loadView()
     const auto placeMessage = [this] {
         const QSize size = m_clipboardMessage->sizeHint();
         m_clipboardMessage->setGeometry((m_view->width() - size.width()) / 2,
-                                        m_view->height() - size.height() - 24, size.width(),
-                                        size.height());
+                                        m_view->height() - size.height() -
+                                            W::clipboardMessageBottom,
+                                        size.width(), size.height());
     };
-    new ResizeWatcher(m_view, placeMessage);
+    new EventHook(m_view, QEvent::Resize, placeMessage);
 }
 
 void ViewController::viewDidLoad()
@@ -165,11 +140,13 @@ int ViewController::sectionColumnWidth() const
     for (const auto &section : m_sections) {
         widest =
             std::max(widest, metrics.boundingRect(QRect(), Qt::AlignRight, section->name).width());
-        widest = std::max(widest, metrics.horizontalAdvance(section->category) + 20);
+        widest =
+            std::max(widest, metrics.horizontalAdvance(section->category) + W::categoryTitleRoom);
     }
     // The labels sit two margins inside their boxes, which sit inside the column.
-    const int needed = widest + static_cast<int>(4 * boxMargin + 2 * categoryDistance) + 8;
-    return std::clamp(needed, 160, 320);
+    const int needed = widest + static_cast<int>(4 * C::boxMargin + 2 * C::categoryDistance) +
+                       W::sectionColumnSlack;
+    return std::clamp(needed, W::minSectionColumnWidth, W::maxSectionColumnWidth);
 }
 
 void ViewController::placeSectionColumn()
@@ -192,17 +169,32 @@ void ViewController::buildTimetable()
 {
     view();
     m_built = true;
-    const QDateTime now = m_clock.now();
-    const QTimeZone zone = m_clock.zone();
+    setUpClipboardMessage();
+    setUpClock();
+    startTimer();
+    layOutSections();
+    buildSectionColumn();
+    buildTimeline();
+    sizeContents();
+    if (m_exportToSharedSuite)
+        m_exportToSharedSuite(m_globalSequence);
+    updateCurrentTime();
+}
 
+void ViewController::setUpClipboardMessage()
+{
     // The clipboard message waits, hidden, with its shadow.
     auto *shadow = new QGraphicsDropShadowEffect(m_clipboardMessage);
     shadow->setBlurRadius(10.0);
     shadow->setColor(Qt::black);
     m_clipboardMessage->setGraphicsEffect(shadow);
     m_clipboardMessage->hide();
+}
 
-    // The clock label stands beside the marker, near the top of the time axis.
+void ViewController::setUpClock()
+{
+    // The clock label stands beside the marker, near the top of the time axis; the marker
+    // itself is painted by the timeline.
     m_timeLabel->setParent(m_horizontalScrollContent);
     m_timeLabel->setAutoFillBackground(true);
     QPalette palette = m_timeLabel->palette();
@@ -210,16 +202,23 @@ void ViewController::buildTimetable()
     palette.setColor(QPalette::WindowText, Qt::white);
     m_timeLabel->setPalette(palette);
     m_timeLabel->show();
+}
 
-    m_timer = new QTimer(this);
-    m_timer->setInterval(timeUpdateIntervalMs);
-    connect(m_timer, &QTimer::timeout, this, &ViewController::timeUpdate);
-    m_timer->start();
+void ViewController::startTimer()
+{
+    m_clock.callEvery(timeUpdateInterval, this, [this] { timeUpdate(); });
+}
 
-    m_geometry = TimetableLayout::build(m_sections, zone, now,
+void ViewController::layOutSections()
+{
+    m_geometry = TimetableLayout::build(m_sections, m_clock.zone(), m_clock.now(),
                                         [this](const QString &name) { return labelHeight(name); });
-    m_globalSequence = m_geometry.globalSequence;
+    // The sections in their list order, whatever the grouping on screen.
+    m_globalSequence = eventtimer::globalSequence(m_sections, m_clock.zone());
+}
 
+void ViewController::buildSectionColumn()
+{
     // Category boxes and their labels are real widgets: a few dozen at most.
     m_sectionsView->setFixedWidth(sectionColumnWidth());
     for (const CategoryBoxGeometry &geometry : std::as_const(m_geometry.categoryBoxes)) {
@@ -236,14 +235,21 @@ void ViewController::buildTimetable()
         m_sectionLabels.append(label);
     }
     placeSectionColumn();
-    new ResizeWatcher(m_sectionsView, [this] { placeSectionColumn(); });
+    new EventHook(m_sectionsView, QEvent::Resize, [this] { placeSectionColumn(); });
+}
+
+void ViewController::buildTimeline()
+{
     m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
     connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
             &ViewController::copyToClipboardWithSender);
     connect(m_horizontalScrollContent, &TimelineWidget::revealRequested, this,
             &ViewController::revealBox);
+}
 
-    // Sizes: each content at least as large as its scroll area, and as large as the day.
+void ViewController::sizeContents()
+{
+    // Each content at least as large as its scroll area, and as large as the day.
     const int contentHeight = static_cast<int>(std::ceil(m_geometry.contentHeight));
     const int scrollBar = m_horizontalScroll->horizontalScrollBar()->sizeHint().height();
     m_sectionsView->setFixedHeight(contentHeight);
@@ -257,16 +263,12 @@ void ViewController::buildTimetable()
                                           std::max(contentHeight, viewport.height()));
     };
     fitTimeline();
-    new ResizeWatcher(m_horizontalScroll->viewport(), fitTimeline);
+    new EventHook(m_horizontalScroll->viewport(), QEvent::Resize, fitTimeline);
     m_verticalScroll->verticalScrollBar()->setValue(0);
 
     const bool empty = m_sections.isEmpty();
     m_verticalScroll->setVisible(!empty);
     m_emptyMessage->setVisible(empty);
-
-    if (m_exportToSharedSuite)
-        m_exportToSharedSuite(m_globalSequence);
-    updateCurrentTime();
 }
 
 void ViewController::updateCurrentTime()
@@ -276,8 +278,8 @@ void ViewController::updateCurrentTime()
     m_timeConstraint = x;
     if (m_horizontalScrollContent) {
         m_horizontalScrollContent->setMarkerX(x);
-        m_timeLabel->move(static_cast<int>(x + 1.0 + eventDistance),
-                          static_cast<int>(eventDistance));
+        m_timeLabel->move(static_cast<int>(x + 1.0 + C::eventDistance),
+                          static_cast<int>(C::eventDistance));
     }
     m_timeLabel->setText(timebase::clockText(now, m_clock.zone()));
     m_timeLabel->adjustSize();
@@ -307,8 +309,7 @@ void ViewController::copyToClipboardWithSender(qsizetype box)
     m_clipboardMessage->raise();
     // Every copy schedules its own hide and none is ever cancelled: the earliest one pending
     // ends the showing, even right after a later copy.
-    QTimer::singleShot(clipboardMessageIntervalMs, Qt::PreciseTimer, this,
-                       &ViewController::hideClipboardMessage);
+    m_clock.callAfter(clipboardMessageInterval, this, [this] { hideClipboardMessage(); });
 }
 
 void ViewController::hideClipboardMessage()

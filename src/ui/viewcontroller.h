@@ -1,24 +1,22 @@
 #pragma once
 
-#include "layoutconstants.h"
-#include "scroll/horizontalscroll.h"
-#include "section.h"
-#include "timelinewidget.h"
-#include "timetablelayout.h"
-
-#include <QHash>
-#include <QObject>
-#include <QPointer>
-
-#include <functional>
-#include <memory>
-#include <optional>
+#include "model/globalsequence.h"
+#include "model/section.h"
+#include "timetable/timetablelayout.h"
+#include "ui/scroll/horizontalscroll.h"
+#include "ui/timelinewidget.h"
 
 #include <QFrame>
 #include <QGroupBox>
+#include <QHash>
 #include <QLabel>
+#include <QObject>
+#include <QPointer>
 #include <QScrollArea>
-#include <QTimer>
+
+#include <chrono>
+#include <functional>
+#include <optional>
 
 namespace eventtimer {
 
@@ -35,35 +33,31 @@ public:
     using SectionSource = std::function<SectionList()>;
     using SuiteExporter = std::function<void(const GlobalSequence &)>;
 
-    static constexpr double categoryDistance = LayoutConstants::categoryDistance;
-    static constexpr double sectionDistance = LayoutConstants::sectionDistance;
-    static constexpr double boxTitleHeight = LayoutConstants::boxTitleHeight;
-    static constexpr double boxMargin = LayoutConstants::boxMargin;
-    static constexpr double eventDistance = LayoutConstants::eventDistance;
-    static constexpr qint64 minutesMultiplier = LayoutConstants::minutesMultiplier;
-    static constexpr int timeUpdateIntervalMs = 60000;
+    static constexpr std::chrono::milliseconds timeUpdateInterval{60000};
     // How long the clipboard message shows after each copy.
-    static constexpr int clipboardMessageIntervalMs = 3000;
+    static constexpr std::chrono::milliseconds clipboardMessageInterval{3000};
 
-    ViewController(SectionSource loadSections, SuiteExporter exportToSharedSuite,
-                   const Clock &clock, QObject *parent = nullptr);
+    ViewController(SectionSource loadSections, SuiteExporter exportToSharedSuite, Clock &clock,
+                   QObject *parent = nullptr);
     ~ViewController() override;
 
     // The root view, built on first use.
     QWidget *view();
 
-    // The sections are taken here, once.
+    // Once the views exist and before they are shown: takes the sections, once.
     void viewDidLoad();
-    // The first appearance builds the timetable; later ones change nothing.
+    // When the view is shown (its QEvent::Show): the first time builds the timetable; later
+    // ones change nothing.
     void viewDidAppear();
 
     void buildTimetable();
     void updateCurrentTime();
+    // What the 60-second timer calls.
     void timeUpdate();
 
-    // What a box's copy button does: its event's chat link becomes the clipboard's only
-    // content, as plain text, and the clipboard message shows until the earliest pending hide.
-    // A box whose event has no chat link has no button, and nothing happens.
+    // The slot of a box's copy button (the timeline's copyRequested): its event's chat link
+    // becomes the clipboard's only content, as plain text, and the clipboard message shows
+    // until the earliest pending hide. A box whose event has no chat link has no button.
     void copyToClipboardWithSender(qsizetype box);
     void hideClipboardMessage();
 
@@ -85,6 +79,16 @@ public:
 
 private:
     void loadView();
+
+    // The steps of buildTimetable, in their order.
+    void setUpClipboardMessage();
+    void setUpClock();
+    void startTimer();
+    void layOutSections();
+    void buildSectionColumn();
+    void buildTimeline();
+    void sizeContents();
+
     void placeSectionColumn();
     double labelHeight(const QString &name) const;
     int sectionColumnWidth() const;
@@ -93,7 +97,7 @@ private:
 
     SectionSource m_loadSections;
     SuiteExporter m_exportToSharedSuite;
-    const Clock &m_clock;
+    Clock &m_clock;
 
     QPointer<QWidget> m_view;
     QPointer<QScrollArea> m_verticalScroll;
@@ -111,7 +115,6 @@ private:
     QPointer<QLabel> m_timeLabel;
     QList<QLabel *> m_sectionLabels;
     TimetableGeometry m_geometry;
-    QTimer *m_timer = nullptr;
     bool m_built = false;
 };
 

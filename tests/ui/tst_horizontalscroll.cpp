@@ -1,21 +1,18 @@
-#include "scroll/horizontalscroll.h"
 #include "smalltimetable.h"
-#include "timelinewidget.h"
-#include "viewcontroller.h"
+#include "ui/scroll/horizontalscroll.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTest>
-#include <QVBoxLayout>
 #include <QWheelEvent>
-#include <QtTest/qtestspontaneevent.h>
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// One wheel event as a device reports it, at the centre of a widget.
+// One wheel event as a device reports it.
 struct Wheel
 {
     Qt::ScrollPhase phase;
@@ -23,8 +20,53 @@ struct Wheel
     QPoint angle;
 };
 
-// A sideways-scrolling area far wider than its view, and taller: the timeline of a window
-// that is less than a row high.
+// Delivers wheel events the way QApplication does those of a device: an event the widget
+// under the pointer ignores goes on to its parents, and the widget that takes a gesture's
+// first event gets the rest of it. (Qt does so only for events from the window system, which
+// a test cannot make through public API, so the walk is written out here.)
+class Pointer
+{
+public:
+    explicit Pointer(QWidget *under, QPoint at)
+        : m_under(under)
+        , m_at(at)
+    {}
+
+    void send(const Wheel &wheel)
+    {
+        if (wheel.phase != Qt::NoScrollPhase && wheel.phase != Qt::ScrollBegin && m_locked) {
+            deliver(m_locked, wheel);
+            return;
+        }
+        m_locked = nullptr;
+        for (QWidget *widget = m_under; widget; widget = widget->parentWidget()) {
+            if (deliver(widget, wheel)) {
+                if (wheel.phase == Qt::ScrollBegin)
+                    m_locked = widget;
+                return;
+            }
+            if (widget->isWindow())
+                return;
+        }
+    }
+
+private:
+    bool deliver(QWidget *widget, const Wheel &wheel)
+    {
+        const QPointF local = m_under->mapTo(widget, m_at);
+        QWheelEvent event(local, widget->mapToGlobal(local), wheel.pixel, wheel.angle, Qt::NoButton,
+                          Qt::NoModifier, wheel.phase, false);
+        // As Qt's walk does: taken when handled and left accepted.
+        const bool handled = QApplication::sendEvent(widget, &event);
+        return handled && event.isAccepted();
+    }
+
+    QWidget *m_under;
+    QPoint m_at;
+    QPointer<QWidget> m_locked;
+};
+
+// A sideways-scrolling area far wider than its view, scrolled to its middle.
 class Area
 {
 public:
@@ -41,8 +83,7 @@ public:
     HorizontalScroll &scroll() { return m_scroll; }
     int position() const { return m_scroll.horizontalScrollBar()->value(); }
 
-    // Delivered to the view straight, as Qt does, and not passed on to any parent: the
-    // answer says whether the area took the event or handed it on.
+    // Whether the area took the event or handed it on.
     bool send(const Wheel &wheel)
     {
         QWidget *viewport = m_scroll.viewport();
@@ -57,28 +98,13 @@ private:
     HorizontalScroll m_scroll;
 };
 
-// A wheel event as the window system delivers it: to the widget under the pointer, and on to
-// its parents while each ignores it.
-void deliver(QWidget *target, QPoint at, const Wheel &wheel)
-{
-    QWheelEvent event(at, target->mapToGlobal(at), wheel.pixel, wheel.angle, Qt::NoButton,
-                      Qt::NoModifier, wheel.phase, false);
-    // Marked as coming from the window system and handed to notify() directly, as QTest does
-    // for keys: sendEvent() would mark it as synthetic, and Qt does not pass those on.
-    QSpontaneKeyEvent::setSpontaneous(&event);
-    QCoreApplication::instance()->notify(target, &event);
-}
-
 } // namespace
-
-Q_DECLARE_METATYPE(Wheel)
 
 class TestHorizontalScroll : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void startsHorizontal();
     void gestureDecidesAtItsStart_data();
     void gestureDecidesAtItsStart();
     void eventsWithoutPhaseFollowTheLatestGesture_data();
@@ -86,12 +112,6 @@ private Q_SLOTS:
     void gesturesOverTheTimelineReachTheirArea_data();
     void gesturesOverTheTimelineReachTheirArea();
 };
-
-void TestHorizontalScroll::startsHorizontal()
-{
-    HorizontalScroll scroll;
-    QVERIFY(scroll.currentScrollIsHorizontal());
-}
 
 void TestHorizontalScroll::gestureDecidesAtItsStart_data()
 {
@@ -104,7 +124,6 @@ void TestHorizontalScroll::gestureDecidesAtItsStart_data()
     QTest::newRow("a tie (3,3) goes on") << QPoint(3, 3) << QPoint(24, 24) << false;
     QTest::newRow("leftwards (-8,2): magnitudes count") << QPoint(-8, 2) << QPoint(-64, 16) << true;
     QTest::newRow("no movement (0,0) goes on") << QPoint(0, 0) << QPoint(0, 0) << false;
-    QTest::newRow("mostly upright (1,-6) goes on") << QPoint(1, -6) << QPoint(8, -48) << false;
     QTest::newRow("pixels win over angles") << QPoint(6, 1) << QPoint(0, 120) << true;
     // Wheels without pixels: the angles decide.
     QTest::newRow("tilted wheel (120,0)") << QPoint() << QPoint(120, 0) << true;
@@ -117,21 +136,20 @@ void TestHorizontalScroll::gestureDecidesAtItsStart()
     QFETCH(QPoint, angle);
     QFETCH(bool, horizontal);
     Area area;
+    QVERIFY(area.scroll().currentScrollIsHorizontal());
     // The opposite decision stands from an earlier gesture.
     area.scroll().setCurrentScrollIsHorizontal(!horizontal);
 
     QCOMPARE(area.send({Qt::ScrollBegin, pixel, angle}), horizontal);
     QCOMPARE(area.scroll().currentScrollIsHorizontal(), horizontal);
 
-    // Later events of the gesture follow the start, whatever their direction: an upright
-    // (0,10) still scrolls a sideways gesture here, and anything of an upright one goes on.
-    int before = area.position();
-    QCOMPARE(area.send({Qt::ScrollUpdate, QPoint(0, 10), QPoint(0, 10)}), horizontal);
-    QCOMPARE(area.position() != before, horizontal);
-    before = area.position();
-    QCOMPARE(area.send({Qt::ScrollUpdate, QPoint(30, 0), QPoint(240, 0)}), horizontal);
-    QCOMPARE(area.position() != before, horizontal);
-    QCOMPARE(area.scroll().currentScrollIsHorizontal(), horizontal);
+    // Later events follow the start, whatever their direction: an upright (0,10) still
+    // scrolls a sideways gesture here, and anything of an upright one goes on.
+    for (const QPoint delta : {QPoint(0, 10), QPoint(30, 0)}) {
+        const int before = area.position();
+        QCOMPARE(area.send({Qt::ScrollUpdate, delta, delta * 8}), horizontal);
+        QCOMPARE(area.position() != before, horizontal);
+    }
     area.send({Qt::ScrollEnd, QPoint(), QPoint()});
     QCOMPARE(area.scroll().currentScrollIsHorizontal(), horizontal);
 }
@@ -141,22 +159,14 @@ void TestHorizontalScroll::eventsWithoutPhaseFollowTheLatestGesture_data()
     QTest::addColumn<QList<Wheel>>("gesture");
     QTest::addColumn<bool>("horizontal");
 
+    const Wheel upright{Qt::ScrollBegin, QPoint(0, 4), QPoint(0, 32)};
+    const Wheel end{Qt::ScrollEnd, QPoint(), QPoint()};
     QTest::newRow("before any gesture") << QList<Wheel>{} << true;
-    QTest::newRow("after an upright gesture")
-        << QList<Wheel>{{Qt::ScrollBegin, QPoint(0, 4), QPoint(0, 32)},
-                        {Qt::ScrollEnd, QPoint(), QPoint()}}
-        << false;
+    QTest::newRow("after an upright gesture") << QList<Wheel>{upright, end} << false;
     QTest::newRow("after a sideways gesture")
-        << QList<Wheel>{{Qt::ScrollBegin, QPoint(0, 4), QPoint(0, 32)},
-                        {Qt::ScrollEnd, QPoint(), QPoint()},
-                        {Qt::ScrollBegin, QPoint(4, 0), QPoint(32, 0)},
-                        {Qt::ScrollEnd, QPoint(), QPoint()}}
-        << true;
+        << QList<Wheel>{upright, end, {Qt::ScrollBegin, QPoint(4, 0), QPoint(32, 0)}, end} << true;
     QTest::newRow("momentum of an upright gesture")
-        << QList<Wheel>{{Qt::ScrollBegin, QPoint(0, 4), QPoint(0, 32)},
-                        {Qt::ScrollEnd, QPoint(), QPoint()},
-                        {Qt::ScrollMomentum, QPoint(9, 0), QPoint(72, 0)}}
-        << false;
+        << QList<Wheel>{upright, end, {Qt::ScrollMomentum, QPoint(9, 0), QPoint(72, 0)}} << false;
 }
 
 void TestHorizontalScroll::eventsWithoutPhaseFollowTheLatestGesture()
@@ -170,49 +180,36 @@ void TestHorizontalScroll::eventsWithoutPhaseFollowTheLatestGesture()
     // A plain mouse wheel turned one notch down: later in the day when it scrolls here.
     const int before = area.position();
     QCOMPARE(area.send({Qt::NoScrollPhase, QPoint(), QPoint(0, -120)}), horizontal);
-    QCOMPARE(area.scroll().currentScrollIsHorizontal(), horizontal);
-    if (horizontal)
-        QCOMPARE_GT(area.position(), before);
-    else
-        QCOMPARE(area.position(), before);
+    QCOMPARE(area.position() > before, horizontal);
 }
 
 void TestHorizontalScroll::gesturesOverTheTimelineReachTheirArea_data()
 {
     QTest::addColumn<QList<Wheel>>("wheels");
-    QTest::addColumn<bool>("timetableMoves");
     QTest::addColumn<bool>("dayMoves");
 
     QTest::newRow("upright swipe")
         << QList<Wheel>{{Qt::ScrollBegin, QPoint(0, -6), QPoint(0, -48)},
-                        {Qt::ScrollUpdate, QPoint(0, -30), QPoint(0, -240)},
                         {Qt::ScrollUpdate, QPoint(4, -30), QPoint(32, -240)},
                         {Qt::ScrollEnd, QPoint(), QPoint()}}
-        << true << false;
+        << false;
     QTest::newRow("sideways swipe turning upright")
         << QList<Wheel>{{Qt::ScrollBegin, QPoint(-6, 1), QPoint(-48, 8)},
-                        {Qt::ScrollUpdate, QPoint(-30, 0), QPoint(-240, 0)},
                         {Qt::ScrollUpdate, QPoint(0, -30), QPoint(0, -240)},
                         {Qt::ScrollEnd, QPoint(), QPoint()}}
-        << false << true;
+        << true;
     QTest::newRow("plain wheel before any gesture")
-        << QList<Wheel>{{Qt::NoScrollPhase, QPoint(), QPoint(0, -120)}} << false << true;
-    QTest::newRow("plain wheel after an upright swipe")
-        << QList<Wheel>{{Qt::ScrollBegin, QPoint(0, -6), QPoint(0, -48)},
-                        {Qt::ScrollEnd, QPoint(), QPoint()},
-                        {Qt::NoScrollPhase, QPoint(), QPoint(0, -120)}}
-        << true << false;
+        << QList<Wheel>{{Qt::NoScrollPhase, QPoint(), QPoint(0, -120)}} << true;
 }
 
 void TestHorizontalScroll::gesturesOverTheTimelineReachTheirArea()
 {
     QFETCH(QList<Wheel>, wheels);
-    QFETCH(bool, timetableMoves);
     QFETCH(bool, dayMoves);
 
     // Short enough that the timetable scrolls up and down as well as the day sideways.
     SmallTimetable window(QSize(900, 180));
-    QVERIFY(QTest::qWaitForWindowExposed(window.controller().view()));
+    QVERIFY(window.exposed());
     QScrollBar *timetable = window.controller().verticalScroll()->verticalScrollBar();
     QScrollBar *day = window.controller().horizontalScroll()->horizontalScrollBar();
     QCOMPARE_GT(timetable->maximum(), 0);
@@ -220,14 +217,12 @@ void TestHorizontalScroll::gesturesOverTheTimelineReachTheirArea()
     const int dayBefore = day->value();
 
     // Over the face of a box in view, in the first row.
-    TimelineWidget &timeline = window.timeline();
-    const QRectF market = timeline.boxes().at(window.box(u"Market 10:00"_s)).rect;
-    const QPoint over(qRound(market.left() + 10), qRound(market.top() + 10));
-    QVERIFY(timeline.visibleRegion().contains(over));
+    const QRectF market = window.timeline().boxes().at(window.box(u"Market 10:00"_s)).rect;
+    Pointer pointer(&window.timeline(), market.topLeft().toPoint() + QPoint(10, 10));
     for (const Wheel &wheel : std::as_const(wheels))
-        deliver(&timeline, over, wheel);
+        pointer.send(wheel);
 
-    QCOMPARE(timetable->value() != timetableBefore, timetableMoves);
+    QCOMPARE(timetable->value() != timetableBefore, !dayMoves);
     QCOMPARE(day->value() != dayBefore, dayMoves);
 }
 

@@ -1,13 +1,13 @@
-#include "checker.h"
+#include "check/checker.h"
 
-#include "documentparser.h"
-#include "event.h"
-#include "scheduleday.h"
-#include "section.h"
-#include "sequenceitem.h"
-#include "sequencetime.h"
-#include "suiteexport.h"
-#include "timetablelayout.h"
+#include "data/suiteexport.h"
+#include "model/documentparser.h"
+#include "model/event.h"
+#include "model/globalsequence.h"
+#include "model/scheduleday.h"
+#include "model/section.h"
+#include "model/sequenceitem.h"
+#include "model/sequencetime.h"
 
 #include <QCommandLineParser>
 #include <QFile>
@@ -338,11 +338,9 @@ void writeExport(QTextStream &out, QTextStream &err, const ParsedDocument &parse
     for (const SkippedSection &skipped : parsed.skipped)
         err << skipped.line() << '\n';
     err.flush();
-    // The same road as the window: the layout registers the chat-link occurrences and the
-    // export turns them into arrays. The labels' height moves boxes, never registrations.
-    const TimetableGeometry geometry = TimetableLayout::build(parsed.sections, day.zone, day.now,
-                                                              [](const QString &) { return 17.0; });
-    writeSuiteArrays(out, suiteArrays(geometry.globalSequence));
+    // The same road as the window's export: the day's chat-link occurrences of the sections in
+    // their list order, as arrays.
+    writeSuiteArrays(out, suiteArrays(globalSequence(parsed.sections, day.zone)));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "checker.h"
+#include "check/checker.h"
 
 #include <QCoreApplication>
 

@@ -1,4 +1,4 @@
-#include "eventservice.h"
+#include "eventservice/eventservice.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 // eventtimer-eventservice: serves an event document and a folder of icons on loopback, for the
 // demo and for trying documents out.
-#include "eventservice.h"
+#include "eventservice/eventservice.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

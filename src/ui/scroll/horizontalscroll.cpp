@@ -1,4 +1,4 @@
-#include "horizontalscroll.h"
+#include "ui/scroll/horizontalscroll.h"
 
 #include <QCoreApplication>
 #include <QScrollBar>

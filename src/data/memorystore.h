@@ -1,6 +1,6 @@
 #pragma once
 
-#include "keyvaluestore.h"
+#include "data/keyvaluestore.h"
 
 #include <QHash>
 

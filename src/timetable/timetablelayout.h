@@ -1,21 +1,17 @@
 #pragma once
 
-#include "layoutconstants.h"
-#include "section.h"
+#include "model/section.h"
+#include "model/sequencetime.h"
+#include "timetable/layoutconstants.h"
 
 #include <QDateTime>
 #include <QRectF>
 #include <QTimeZone>
 
 #include <functional>
-#include <map>
 #include <optional>
 
 namespace eventtimer {
-
-// The day's chat-link occurrences: start in seconds of the day (raised by 1 while taken) to
-// the event.
-using GlobalSequence = std::map<qint64, std::shared_ptr<Event>>;
 
 // A titled box framing the labels of one category, in the section column's coordinates. Its
 // left and width follow the column's width.
@@ -68,14 +64,12 @@ struct LayoutCursor
     double contentWidth = 0.0;
 };
 
-// The per-section values that the event boxes of one row update.
+// The per-section values that the event boxes of one row update. (The row's chat-link
+// registrations are the model's: see globalSequence.)
 struct RowState
 {
     double rowTop = 0;
     double rowWidth = 0;
-    qint64 firstKey = -1;
-    QString firstName;
-    QString lastName;
 };
 
 struct TimetableGeometry
@@ -83,7 +77,6 @@ struct TimetableGeometry
     QList<CategoryBoxGeometry> categoryBoxes;
     QList<SectionLabelGeometry> sectionLabels;
     QList<EventBoxGeometry> eventBoxes;
-    GlobalSequence globalSequence;
     double contentHeight = LayoutConstants::categoryDistance;
     double contentWidth = 0;
 
@@ -93,8 +86,8 @@ struct TimetableGeometry
 };
 
 // Lays the timetable out without any window: category boxes stacked in the section column,
-// one label per section, one box per occurrence on the time axis, and the chat-link
-// registrations. Every number follows from the layout constants and the labels' height.
+// one label per section, one box per occurrence on the time axis. Every number follows from
+// the layout constants and the labels' height.
 class TimetableLayout
 {
 public:
@@ -105,7 +98,8 @@ public:
     TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labelHeight);
 
     // Sections of one category together, at the place of the category's first section;
-    // otherwise in document order.
+    // otherwise in document order. Only the display is grouped: the chat-link occurrences
+    // follow the list order.
     static SectionList groupedByCategory(const SectionList &sections);
 
     // The whole timetable: groups, lays out every section, closes the last box.
@@ -121,14 +115,9 @@ public:
     const TimetableGeometry &geometry() const { return m_geometry; }
     TimetableGeometry takeGeometry() { return std::move(m_geometry); }
 
-    // Enters an event under the first free key at or after seconds.
-    static qint64 registerEvent(GlobalSequence &sequence, qint64 seconds,
-                                const std::shared_ptr<Event> &event);
-
 private:
-    // The same values as minutesFromDayStart and startTimeText, without a time-zone lookup for
-    // every box: a day's occurrences share one local day and a few hundred start minutes.
-    qint64 minutesOf(const SequenceItem &item);
+    // The same as startTimeText, without a time-zone lookup for every box: a day's
+    // occurrences share a few hundred start minutes.
     QString startTextOf(const SequenceItem &item);
 
     QTimeZone m_zone;
@@ -136,8 +125,7 @@ private:
     LabelHeight m_labelHeight;
     TimetableGeometry m_geometry;
     QHash<QString, qsizetype> m_categories;
-    double m_localDayStart = 0;
-    double m_localDayEnd = 0; // the next local midnight: the day may be 23 or 25 hours long
+    DayMinutes m_minutes;
     QHash<qint64, QString> m_startTexts;
     double m_nowOffset = 0;
 };

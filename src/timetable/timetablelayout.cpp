@@ -1,7 +1,6 @@
-#include "timetablelayout.h"
+#include "timetable/timetablelayout.h"
 
-#include "scheduleday.h"
-#include "sequencetime.h"
+#include "model/scheduleday.h"
 
 #include <QHash>
 
@@ -51,9 +50,8 @@ QRectF EventBoxGeometry::iconRect(const QRectF &box, QSizeF iconSize)
 
 QRectF EventBoxGeometry::copyButtonRect(const QRectF &box, QSizeF buttonSize)
 {
-    constexpr double inset = 6.0;
-    return QRectF(box.right() - inset - buttonSize.width(),
-                  box.bottom() - inset - buttonSize.height(), buttonSize.width(),
+    return QRectF(box.right() - C::copyButtonInset - buttonSize.width(),
+                  box.bottom() - C::copyButtonInset - buttonSize.height(), buttonSize.width(),
                   buttonSize.height());
 }
 
@@ -69,19 +67,9 @@ TimetableLayout::TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labe
     : m_zone(std::move(zone))
     , m_now(std::move(now))
     , m_labelHeight(std::move(labelHeight))
+    , m_minutes(m_zone)
     , m_nowOffset(static_cast<double>(m_zone.offsetFromUtc(m_now)))
 {}
-
-qint64 TimetableLayout::minutesOf(const SequenceItem &item)
-{
-    if (!(item.time >= m_localDayStart && item.time < m_localDayEnd)) {
-        const QDate day = dateTimeFromSeconds(item.time, m_zone).date();
-        m_localDayStart = secondsSinceEpoch(day.startOfDay(m_zone));
-        m_localDayEnd = secondsSinceEpoch(day.addDays(1).startOfDay(m_zone));
-    }
-    // Equal to minutesFromDayStart: the item lies in [start, end) of its own local day.
-    return static_cast<qint64>((item.time - m_localDayStart) / 60.0);
-}
 
 QString TimetableLayout::startTextOf(const SequenceItem &item)
 {
@@ -163,27 +151,12 @@ void TimetableLayout::layoutSection(const Section &section, LayoutCursor &cursor
     for (const auto &item : section.sequence)
         addEventBox(item, *cursor.sectionLabel, row);
     cursor.contentWidth = std::max(cursor.contentWidth, row.rowWidth);
-
-    // A section whose day starts and ends with the same event (a run across midnight) is
-    // published once: its registration in the day's first minute is dropped.
-    if (row.firstKey != -1 && row.firstName == row.lastName && row.firstKey >= -59 &&
-        row.firstKey <= 59)
-        m_geometry.globalSequence.erase(row.firstKey);
 }
 
 void TimetableLayout::addEventBox(const std::shared_ptr<SequenceItem> &item, qsizetype sectionLabel,
                                   RowState &row)
 {
-    const Event &event = *item->event;
-    const qint64 minutes = minutesOf(*item);
-    if (event.chatLink) {
-        const qint64 key = registerEvent(m_geometry.globalSequence, minutes * 60, item->event);
-        if (row.firstKey == -1) {
-            row.firstKey = key;
-            row.firstName = event.name;
-        }
-        row.lastName = event.name;
-    }
+    const qint64 minutes = m_minutes.of(*item);
     const double scaled = static_cast<double>(item->duration * C::minutesMultiplier);
     const double h = m_geometry.sectionLabels.at(sectionLabel).height;
 
@@ -204,16 +177,6 @@ void TimetableLayout::closeLastCategory(LayoutCursor &cursor)
     if (cursor.categoryBox && cursor.sectionLabel)
         m_geometry.categoryBoxes[*cursor.categoryBox].bottom =
             m_geometry.sectionLabels.at(*cursor.sectionLabel).bottom() + C::sectionDistance;
-}
-
-qint64 TimetableLayout::registerEvent(GlobalSequence &sequence, qint64 seconds,
-                                      const std::shared_ptr<Event> &event)
-{
-    qint64 key = seconds;
-    while (sequence.contains(key))
-        ++key;
-    sequence.emplace(key, event);
-    return key;
 }
 
 } // namespace eventtimer

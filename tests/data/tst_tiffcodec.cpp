@@ -1,4 +1,4 @@
-#include "tiffcodec.h"
+#include "data/tiffcodec.h"
 
 #include <QBuffer>
 #include <QImageReader>

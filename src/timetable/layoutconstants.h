@@ -21,6 +21,23 @@ struct LayoutConstants
     static constexpr double eventDistance = 3.0;
     // Points per minute on the time axis.
     static constexpr qint64 minutesMultiplier = 10;
+    // The copy button's distance from an event box's bottom and right edges.
+    static constexpr double copyButtonInset = 6.0;
+};
+
+// The window around the timetable: the sizes the rules above leave open, in pixels.
+struct WindowConstants
+{
+    // The section column is as wide as its longest name or category title needs, within
+    // these bounds.
+    static constexpr int minSectionColumnWidth = 160;
+    static constexpr int maxSectionColumnWidth = 320;
+    // Room a category's title needs beside its text: it sits on the box's frame, inset.
+    static constexpr int categoryTitleRoom = 20;
+    // Slack beyond the widest name, so that no name touches its box's frame.
+    static constexpr int sectionColumnSlack = 8;
+    // The clipboard message's distance from the window's bottom edge.
+    static constexpr int clipboardMessageBottom = 24;
 };
 
 } // namespace eventtimer

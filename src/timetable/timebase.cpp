@@ -1,6 +1,6 @@
-#include "timebase.h"
+#include "timetable/timebase.h"
 
-#include "layoutconstants.h"
+#include "timetable/layoutconstants.h"
 
 namespace eventtimer::timebase {
 

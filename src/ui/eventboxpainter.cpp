@@ -1,0 +1,181 @@
+#include "ui/eventboxpainter.h"
+
+#include "model/event.h"
+#include "timetable/layoutconstants.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace eventtimer {
+
+namespace {
+
+constexpr double cornerRadius = 4.0;
+
+void drawHaloText(QPainter &painter, QPointF topLeft, const QStaticText &text)
+{
+    painter.setPen(QColor(255, 255, 255, 170));
+    painter.drawStaticText(topLeft + QPointF(-1, 0), text);
+    painter.drawStaticText(topLeft + QPointF(1, 0), text);
+    painter.setPen(Qt::black);
+    painter.drawStaticText(topLeft, text);
+}
+
+QStaticText plainStaticText(const QString &text)
+{
+    QStaticText prepared(text);
+    prepared.setTextFormat(Qt::PlainText);
+    prepared.setPerformanceHint(QStaticText::AggressiveCaching);
+    return prepared;
+}
+
+// Two overlapping sheets: the usual sign for "copy".
+void drawCopyGlyph(QPainter &painter, const QRectF &button)
+{
+    const QRectF sheet(0, 0, button.width() * 0.38, button.height() * 0.45);
+    const QPointF centre = button.center();
+    const QRectF back =
+        sheet.translated(centre.x() - sheet.width() * 0.75, centre.y() - sheet.height() * 0.75);
+    const QRectF front = back.translated(sheet.width() * 0.5, sheet.height() * 0.5);
+    painter.setPen(QPen(QColor(40, 40, 40), 1.2));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(back, 1, 1);
+    painter.setBrush(QColor(250, 250, 250));
+    painter.drawRoundedRect(front, 1, 1);
+}
+
+} // namespace
+
+void EventBoxPainter::setFont(const QFont &font)
+{
+    if (font != m_font) {
+        m_font = font;
+        m_names.clear();
+        m_times.clear();
+    }
+}
+
+void EventBoxPainter::setDevicePixelRatio(qreal ratio)
+{
+    if (ratio != m_ratio) {
+        m_ratio = ratio;
+        m_icons.clear();
+        for (QPixmap &button : m_buttons)
+            button = QPixmap();
+    }
+}
+
+void EventBoxPainter::clear()
+{
+    m_names.clear();
+    m_times.clear();
+    m_icons.clear();
+}
+
+const QStaticText &EventBoxPainter::nameText(const EventBoxGeometry &box)
+{
+    const int width =
+        std::max(0, static_cast<int>(box.rect.width() - 2 * LayoutConstants::boxMargin));
+    const QString key = box.event().name + u'\n' + QString::number(width);
+    auto it = m_names.find(key);
+    if (it == m_names.end()) {
+        const QFontMetrics metrics(m_font);
+        it = m_names.insert(
+            key, plainStaticText(metrics.elidedText(box.event().name, Qt::ElideRight, width)));
+    }
+    return it.value();
+}
+
+const QStaticText &EventBoxPainter::timeText(const QString &text)
+{
+    auto it = m_times.find(text);
+    if (it == m_times.end())
+        it = m_times.insert(text, plainStaticText(text));
+    return it.value();
+}
+
+const QPixmap &EventBoxPainter::iconOf(const Event &event)
+{
+    auto it = m_icons.find(&event);
+    if (it == m_icons.end())
+        it = m_icons.insert(&event, QPixmap::fromImage(*event.icon));
+    return it.value();
+}
+
+const QPixmap &EventBoxPainter::buttonPixmap(Button state)
+{
+    // Every copy button looks the same: drawn once per state, then copied.
+    QPixmap &pixmap = m_buttons[static_cast<int>(state)];
+    if (pixmap.isNull()) {
+        pixmap = QPixmap((copyButtonSize * m_ratio).toSize());
+        pixmap.setDevicePixelRatio(m_ratio);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF button(QPointF(0, 0), copyButtonSize);
+        painter.setPen(QPen(QColor(0, 0, 0, 120), 1.0));
+        painter.setBrush(state == Button::Pressed   ? QColor(200, 200, 200)
+                         : state == Button::Hovered ? QColor(255, 255, 255)
+                                                    : QColor(255, 255, 255, 200));
+        painter.drawRoundedRect(button.adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+        drawCopyGlyph(painter, button);
+    }
+    return pixmap;
+}
+
+void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, const State &state)
+{
+    const Event &event = box.event();
+    const QRectF rect = box.rect;
+
+    // A groove: a dark outer line, and a light one inside it along the top and left.
+    painter.setPen(QPen(QColor(0, 0, 0, 110), 1.0));
+    painter.setBrush(event.backgroundColor.toQColor());
+    painter.drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
+    painter.setPen(QPen(QColor(255, 255, 255, 120), 1.0));
+    painter.drawLine(QPointF(rect.left() + cornerRadius, rect.top() + 1.5),
+                     QPointF(rect.right() - cornerRadius, rect.top() + 1.5));
+    painter.drawLine(QPointF(rect.left() + 1.5, rect.top() + cornerRadius),
+                     QPointF(rect.left() + 1.5, rect.bottom() - cornerRadius));
+
+    painter.save();
+    painter.setClipRect(rect);
+    painter.setFont(m_font);
+    const double textHeight = QFontMetricsF(m_font).height();
+    drawHaloText(painter, EventBoxGeometry::nameRect(rect, textHeight).topLeft(), nameText(box));
+    const QStaticText &time = timeText(box.startText);
+    drawHaloText(
+        painter,
+        EventBoxGeometry::timeRect(rect, time.size().width(), time.size().height()).topLeft(),
+        time);
+
+    if (event.icon && !event.icon->isNull()) {
+        const QPixmap &icon = iconOf(event);
+        painter.setOpacity(0.5);
+        painter.drawPixmap(EventBoxGeometry::iconRect(rect, icon.deviceIndependentSize()), icon,
+                           icon.rect());
+        painter.setOpacity(1.0);
+    }
+
+    if (event.chatLink)
+        painter.drawPixmap(EventBoxGeometry::copyButtonRect(rect, copyButtonSize).topLeft(),
+                           buttonPixmap(state.button));
+
+    if (state.focusRing) {
+        // Drawn over everything in the box: a highlight-coloured line with a white one inside
+        // it, so it stands out on light and dark fills alike.
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(*state.focusRing, 2.0));
+        painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), cornerRadius, cornerRadius);
+        painter.setPen(QPen(Qt::white, 1.0));
+        painter.drawRoundedRect(rect.adjusted(2.5, 2.5, -2.5, -2.5), cornerRadius - 1,
+                                cornerRadius - 1);
+    }
+    painter.restore();
+}
+
+} // namespace eventtimer

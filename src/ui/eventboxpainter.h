@@ -1,0 +1,64 @@
+#pragma once
+
+#include "timetable/timetablelayout.h"
+
+#include <QColor>
+#include <QFont>
+#include <QHash>
+#include <QPixmap>
+#include <QStaticText>
+
+#include <optional>
+
+class QPainter;
+
+namespace eventtimer {
+
+class Event;
+
+// Paints one event box: the fill with a groove border, the name along the top and the start
+// time at the bottom left (each with a soft white halo, so they read on any fill), the icon at
+// half opacity in the middle, the copy button of an event with a chat link, and the keyboard's
+// focus ring. Texts, icons and the button are prepared once and then only placed.
+class EventBoxPainter
+{
+public:
+    static constexpr QSizeF copyButtonSize{20.0, 18.0};
+
+    enum class Button
+    {
+        Normal,
+        Hovered,
+        Pressed
+    };
+    struct State
+    {
+        Button button = Button::Normal;
+        // The focus ring's colour, when the box carries it.
+        std::optional<QColor> focusRing;
+    };
+
+    // The font of the names and times, and the pixel ratio of what is painted on; a change
+    // drops what was prepared.
+    void setFont(const QFont &font);
+    void setDevicePixelRatio(qreal ratio);
+    void clear();
+
+    void paint(QPainter &painter, const EventBoxGeometry &box, const State &state);
+
+private:
+    const QStaticText &nameText(const EventBoxGeometry &box);
+    const QStaticText &timeText(const QString &text);
+    const QPixmap &iconOf(const Event &event);
+    const QPixmap &buttonPixmap(Button state);
+
+    QFont m_font;
+    qreal m_ratio = 1.0;
+    // Names cut to their box's width, keyed by name and width.
+    QHash<QString, QStaticText> m_names;
+    QHash<QString, QStaticText> m_times;
+    QHash<const Event *, QPixmap> m_icons;
+    QPixmap m_buttons[3];
+};
+
+} // namespace eventtimer
