@@ -28,30 +28,36 @@ const QString connectionError = u"[ERROR] There is an unspecified error with the
 const QString parseError = u"[ERROR] An error has happened with parsing of json data"_s;
 const QString jsonOk = u"[JSON] OK!"_s;
 
+// What is stored before a start, and what the start says, shows and asks for.
+struct Load
+{
+    QVariant bytes;
+    QVariant date;
+    QStringList lines;
+    qsizetype sections = 0;
+    int requests = 0;
+    bool serviceDown = false;
+    EventService::Behaviour behaviour;
+    QByteArray document = goodDocument;
+};
+
 } // namespace
 
 class TestEventDataSource : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init();
-    void cleanup();
-
-    void firstRunDownloadsThenTheWeekUsesTheCopy();
-    void refreshRule_data();
-    void refreshRule();
-    void failedReadsKeepWhatIsStored_data();
-    void failedReadsKeepWhatIsStored();
-    void nonJsonBodyIsStoredAndFailsEveryRun();
-    void skippedSectionsAreReported();
-    void bundledSampleLoadsWithAllItsIcons();
-    void fetchesExactlyTheIconsOfKeptEvents();
-    void serviceAddress_data();
-    void serviceAddress();
-
 private:
-    QStringList load();
+    QStringList load()
+    {
+        QString output;
+        QTextStream out(&output);
+        UrlLoader loader({std::chrono::milliseconds(2000), 1024 * 1024});
+        EventDataSource source(*m_store, loader, *m_clock, out);
+        m_sections = source.loadSections();
+        return output.split(u'\n', Qt::SkipEmptyParts);
+    }
+
     QVariant stored(QStringView key) const { return m_store->value(key.toString()); }
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -60,172 +66,150 @@ private:
     std::unique_ptr<EventService> m_service;
     std::unique_ptr<ManualClock> m_clock;
     SectionList m_sections;
-};
 
-void TestEventDataSource::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_settings = std::make_unique<QSettings>(m_folder->filePath(u"eventtimer.conf"_s),
-                                             SettingsStore::format());
-    m_store = std::make_unique<SettingsStore>(*m_settings);
-    m_service = std::make_unique<EventService>();
-    QVERIFY(m_service->listen());
-    m_service->setDocument(goodDocument);
-    m_store->setValue(settingskeys::serviceUrl.toString(), m_service->baseUrl().toString());
-    m_clock = std::make_unique<ManualClock>(noon, QTimeZone::utc());
-}
+private Q_SLOTS:
 
-void TestEventDataSource::cleanup()
-{
-    m_sections.clear();
-    m_service.reset();
-    m_store.reset();
-    m_settings.reset();
-    m_folder.reset();
-}
-
-QStringList TestEventDataSource::load()
-{
-    QString output;
-    QTextStream out(&output);
-    UrlLoader loader({std::chrono::milliseconds(2000), 1024 * 1024});
-    EventDataSource source(*m_store, loader, *m_clock, out);
-    m_sections = source.loadSections();
-    return output.split(u'\n', Qt::SkipEmptyParts);
-}
-
-void TestEventDataSource::firstRunDownloadsThenTheWeekUsesTheCopy()
-{
-    QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
-    QCOMPARE(m_sections.size(), 2);
-    // Both keys are on disk, as the next process reads them.
-    QSettings reread(m_settings->fileName(), SettingsStore::format());
-    QCOMPARE(reread.value(settingskeys::documentBytes.toString()).toByteArray(), goodDocument);
-    QCOMPARE(reread.value(settingskeys::documentDate.toString()).toDateTime(), noon);
-
-    m_service->setDocument("[]");
-    m_clock->setNow(noon.addDays(6));
-    QCOMPARE(load(), QStringList{jsonOk});
-    QCOMPARE(m_sections.size(), 2);
-    QCOMPARE(m_service->totalRequests(), 1);
-}
-
-void TestEventDataSource::refreshRule_data()
-{
-    QTest::addColumn<QVariant>("bytes");
-    QTest::addColumn<QVariant>("date");
-    QTest::addColumn<bool>("downloads");
-
-    const QVariant cached = QVariant("[]"_ba);
-    QTest::newRow("604799.9 s old: the copy")
-        << cached << QVariant(noon.addMSecs(-604799900)) << false;
-    QTest::newRow("604800.0 s old: download") << cached << QVariant(noon.addSecs(-604800)) << true;
-    QTest::newRow("a date in the future is fresh") << cached << QVariant(noon.addDays(30)) << false;
-    QTest::newRow("bytes without a date: used for ever") << cached << QVariant() << false;
-    QTest::newRow("a date that is no date counts as none") << cached << QVariant(u"x"_s) << false;
-    QTest::newRow("a date without bytes downloads") << QVariant() << QVariant(noon) << true;
-    QTest::newRow("bytes that are no data download") << QVariant(u"[]"_s) << QVariant(noon) << true;
-}
-
-void TestEventDataSource::refreshRule()
-{
-    QFETCH(QVariant, bytes);
-    QFETCH(QVariant, date);
-    QFETCH(bool, downloads);
-
-    m_store->setValue(settingskeys::documentBytes.toString(), bytes);
-    m_store->setValue(settingskeys::documentDate.toString(), date);
-    QCOMPARE(load(), (downloads ? QStringList{connectionOk, jsonOk} : QStringList{jsonOk}));
-    QCOMPARE(m_service->totalRequests(), downloads ? 1 : 0);
-    QCOMPARE(m_sections.size(), downloads ? 2 : 0);
-}
-
-void TestEventDataSource::failedReadsKeepWhatIsStored_data()
-{
-    QTest::addColumn<bool>("staleCopy");
-    QTest::addColumn<bool>("serviceDown");
-
-    QTest::newRow("8 days old, nobody listening") << true << true;
-    QTest::newRow("nothing stored, HTTP 404") << false << false;
-}
-
-void TestEventDataSource::failedReadsKeepWhatIsStored()
-{
-    QFETCH(bool, staleCopy);
-    QFETCH(bool, serviceDown);
-
-    const QVariant bytes = staleCopy ? QVariant(goodDocument) : QVariant();
-    const QVariant date = staleCopy ? QVariant(noon.addDays(-8)) : QVariant();
-    m_store->setValue(settingskeys::documentBytes.toString(), bytes);
-    m_store->setValue(settingskeys::documentDate.toString(), date);
-    if (serviceDown)
-        m_service.reset();
-    else
-        m_service->setBehaviour(EventService::documentPath.toString(), {.status = 404});
-
-    // The old copy is not shown in place of the fresh one, and is kept for the next try.
-    QCOMPARE(load(), QStringList{connectionError});
-    QVERIFY(m_sections.isEmpty());
-    QCOMPARE(stored(settingskeys::documentBytes), bytes);
-    QCOMPARE(stored(settingskeys::documentDate), date);
-}
-
-void TestEventDataSource::nonJsonBodyIsStoredAndFailsEveryRun()
-{
-    m_service->setDocument("<html>maintenance</html>");
-    QCOMPARE(load(), (QStringList{connectionOk, parseError}));
-    QCOMPARE(stored(settingskeys::documentBytes).toByteArray(), "<html>maintenance</html>"_ba);
-    QCOMPARE(load(), QStringList{parseError});
-    QCOMPARE(m_service->totalRequests(), 1);
-
-    // A top-level value that is not an array is no event document either.
-    m_store->remove(settingskeys::documentBytes.toString());
-    m_service->setDocument(R"({"sections": []})");
-    QCOMPARE(load(), (QStringList{connectionOk, parseError}));
-}
-
-void TestEventDataSource::skippedSectionsAreReported()
-{
-    m_service->setDocument(R"([{"category": "Coast", "name": "Harbour", "segments": {},
-        "sequences": {"partial": [], "pattern": []}}, 5])");
-    QCOMPARE(load(), (QStringList{connectionOk, jsonOk,
-                                  u"[ERROR] Skipped section 1: \"Harbour\": \"pattern\" is empty, "
-                                  u"so the day never fills"_s,
-                                  u"[ERROR] Skipped section 2: not an object (found 5)"_s}));
-    QVERIFY(m_sections.isEmpty());
-}
-
-void TestEventDataSource::bundledSampleLoadsWithAllItsIcons()
-{
-    const QString sample = QStringLiteral(EVENTTIMER_SAMPLE_DIR);
-    m_service->setDocumentFile(sample + u"/events.json"_s);
-    m_service->setFilesFolder(sample);
-
-    QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
-    QCOMPARE(m_sections.size(), 18);
-    int icons = 0;
-    for (const auto &section : std::as_const(m_sections))
-        for (const auto &event : section->events)
-            icons += event->icon ? 1 : 0;
-    // Every icon the document names was served and decoded, each once.
-    QCOMPARE(m_service->totalRequests() - 1, 63);
-    QVERIFY(icons >= 63);
-}
-
-void TestEventDataSource::fetchesExactlyTheIconsOfKeptEvents()
-{
-    QTemporaryDir folder;
-    for (const QString &path : {u"/b/X/1.png"_s, u"/d/Y/2.png"_s, u"/s/S/1.png"_s}) {
-        QVERIFY(QDir().mkpath(QFileInfo(folder.path() + path).path()));
-        QFile file(folder.path() + path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(pngBytes(path.startsWith(u"/d"_s) ? Qt::blue : Qt::red));
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<QSettings>(m_folder->filePath(u"eventtimer.conf"_s),
+                                                 SettingsStore::format());
+        m_store = std::make_unique<SettingsStore>(*m_settings);
+        m_service = std::make_unique<EventService>();
+        QVERIFY(m_service->listen());
+        m_service->setDocument(goodDocument);
+        // The address of the service's root, with a slash at the end as users write it.
+        m_store->setValue(settingskeys::serviceUrl.toString(),
+                          m_service->baseUrl().toString() + u'/');
+        m_clock = std::make_unique<ManualClock>(noon, QTimeZone::utc());
     }
-    m_service->setFilesFolder(folder.path());
-    // Harbour's A asks first for key X at a URL that fails, so X is tried again with B's URL.
-    // The empty-named segment, the key "9" that is never probed and the whole Broken record
-    // (left out) ask for nothing.
-    m_service->setDocument(R"([
+
+    void cleanup()
+    {
+        m_sections.clear();
+        m_service.reset();
+        m_store.reset();
+        m_settings.reset();
+        m_folder.reset();
+    }
+
+    void firstRunDownloadsThenTheWeekUsesTheCopy()
+    {
+        QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
+        QCOMPARE(m_sections.size(), 2);
+        // Both keys are on disk, as the next process reads them.
+        QSettings reread(m_settings->fileName(), SettingsStore::format());
+        QCOMPARE(reread.value(settingskeys::documentBytes.toString()).toByteArray(), goodDocument);
+        QCOMPARE(reread.value(settingskeys::documentDate.toString()).toDateTime(), noon);
+
+        m_service->setDocument("[]");
+        m_clock->setNow(noon.addDays(6));
+        QCOMPARE(load(), QStringList{jsonOk});
+        QCOMPARE(m_sections.size(), 2);
+        QCOMPARE(m_service->totalRequests(), 1);
+    }
+
+    void loads_data()
+    {
+        QTest::addColumn<Load>("load");
+        const QVariant cached("[]"_ba);
+        const QStringList downloaded{connectionOk, jsonOk};
+        QTest::newRow("604799.9 s old: the copy")
+            << Load{cached, noon.addMSecs(-604799900), {jsonOk}, 0};
+        QTest::newRow("604800.0 s old: download")
+            << Load{cached, noon.addSecs(-604800), downloaded, 2, 1};
+        QTest::newRow("a date in the future is fresh")
+            << Load{cached, noon.addDays(30), {jsonOk}, 0};
+        QTest::newRow("bytes without a date: used for ever") << Load{cached, {}, {jsonOk}, 0};
+        QTest::newRow("a date that is no date counts as none") << Load{cached, u"x"_s, {jsonOk}, 0};
+        QTest::newRow("a date without bytes downloads") << Load{{}, noon, downloaded, 2, 1};
+        QTest::newRow("bytes that are no data download") << Load{u"[]"_s, noon, downloaded, 2, 1};
+        // A failed read shows nothing, not even an old copy, and keeps that for the next try.
+        QTest::newRow("8 days old, nobody listening")
+            << Load{goodDocument, noon.addDays(-8), {connectionError}, 0, 0, true};
+        QTest::newRow("records left out are said, one line each")
+            << Load{{},
+                    {},
+                    {connectionOk, jsonOk,
+                     u"[ERROR] Skipped section 1: \"Harbour\": \"pattern\" is empty, so the day "
+                     u"never fills"_s,
+                     u"[ERROR] Skipped section 3: not an object (found 5)"_s},
+                    1,
+                    1,
+                    false,
+                    {},
+                    R"([{"category": "C", "name": "Harbour", "segments": {},
+                         "sequences": {"partial": [], "pattern": []}},
+                        {"category": "C", "name": "Kept", "segments": {"0": {"name": "A"}},
+                         "sequences": {"partial": [], "pattern": [{"d": 1440, "r": 0}]}}, 5])"};
+        QTest::newRow("nothing stored, HTTP 404")
+            << Load{{}, {}, {connectionError}, 0, 1, false, {.status = 404}};
+    }
+
+    void loads()
+    {
+        QFETCH(Load, load);
+        m_store->setValue(settingskeys::documentBytes.toString(), load.bytes);
+        m_store->setValue(settingskeys::documentDate.toString(), load.date);
+        m_service->setBehaviour(EventService::documentPath.toString(), load.behaviour);
+        m_service->setDocument(load.document);
+        if (load.serviceDown)
+            m_service.reset();
+        QCOMPARE(this->load(), load.lines);
+        QCOMPARE(m_sections.size(), load.sections);
+        if (!load.serviceDown)
+            QCOMPARE(m_service->totalRequests(), load.requests);
+        if (load.lines.first() == connectionError) {
+            QCOMPARE(stored(settingskeys::documentBytes), load.bytes);
+            QCOMPARE(stored(settingskeys::documentDate), load.date);
+        }
+    }
+
+    void nonJsonBodyIsStoredAndFailsEveryRun()
+    {
+        m_service->setDocument("<html>maintenance</html>");
+        QCOMPARE(load(), (QStringList{connectionOk, parseError}));
+        QCOMPARE(stored(settingskeys::documentBytes).toByteArray(), "<html>maintenance</html>"_ba);
+        QCOMPARE(load(), QStringList{parseError});
+        QCOMPARE(m_service->totalRequests(), 1);
+
+        // A top-level value that is not an array is no event document either.
+        m_store->remove(settingskeys::documentBytes.toString());
+        m_service->setDocument(R"({"sections": []})");
+        QCOMPARE(load(), (QStringList{connectionOk, parseError}));
+    }
+
+    void bundledSampleLoadsWithAllItsIcons()
+    {
+        const QString sample = QStringLiteral(EVENTTIMER_SAMPLE_DIR);
+        m_service->setDocumentFile(sample + u"/events.json"_s);
+        m_service->setFilesFolder(sample);
+
+        QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
+        QCOMPARE(m_sections.size(), 18);
+        int icons = 0;
+        for (const auto &section : std::as_const(m_sections))
+            for (const auto &event : section->events)
+                icons += event->icon ? 1 : 0;
+        // Every icon the document names was served and decoded, each once.
+        QCOMPARE(m_service->totalRequests() - 1, 63);
+        QVERIFY(icons >= 63);
+    }
+
+    void fetchesExactlyTheIconsOfKeptEvents()
+    {
+        QTemporaryDir folder;
+        for (const QString &path : {u"/b/X/1.png"_s, u"/d/Y/2.png"_s, u"/s/S/1.png"_s}) {
+            QVERIFY(QDir().mkpath(QFileInfo(folder.path() + path).path()));
+            QFile file(folder.path() + path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(pngBytes(path.startsWith(u"/d"_s) ? Qt::blue : Qt::red));
+        }
+        m_service->setFilesFolder(folder.path());
+        // Harbour's A asks first for key X at a URL that fails, so X is tried again with B's URL.
+        // The empty-named segment, the key "9" that is never probed and the whole Broken record
+        // (left out) ask for nothing.
+        m_service->setDocument(R"([
         {"category": "C", "name": "Harbour", "segments": {
             "0": {"name": "A", "icon": "{service}/a/X/1.png"},
             "1": {"name": "", "icon": "{service}/e/E/1.png"},
@@ -238,50 +222,27 @@ void TestEventDataSource::fetchesExactlyTheIconsOfKeptEvents()
         {"category": "C", "name": "Vale", "segments": {"0": {"name": "D",
             "icon": "{service}/d/Y/2.png"}},
          "sequences": {"partial": [], "pattern": [{"d": 1440, "r": 0}]}}])");
-    const auto iconsShown = [this] {
-        QStringList shown;
-        for (const auto &section : std::as_const(m_sections))
-            for (const auto &event : section->events)
-                shown.append(event->name + (event->icon ? u"+"_s : u"-"_s));
-        return shown;
-    };
+        const auto iconsShown = [this] {
+            QStringList shown;
+            for (const auto &section : std::as_const(m_sections))
+                for (const auto &event : section->events)
+                    shown.append(event->name + (event->icon ? u"+"_s : u"-"_s));
+            return shown;
+        };
 
-    load();
-    const QStringList iconRequests{u"/a/X/1.png"_s, u"/b/X/1.png"_s, u"/d/Y/2.png"_s};
-    for (const QString &path : iconRequests)
-        QCOMPARE(m_service->requestCount(path), 1);
-    QCOMPARE(m_service->totalRequests(), 1 + iconRequests.size());
-    // As if fetched one by one: A's own fetch failed, so A shows none until the next start.
-    QCOMPARE(iconsShown(), (QStringList{u"A-"_s, u"B+"_s, u"C+"_s, u"D+"_s}));
+        load();
+        const QStringList iconRequests{u"/a/X/1.png"_s, u"/b/X/1.png"_s, u"/d/Y/2.png"_s};
+        for (const QString &path : iconRequests)
+            QCOMPARE(m_service->requestCount(path), 1);
+        QCOMPARE(m_service->totalRequests(), 1 + iconRequests.size());
+        // As if fetched one by one: A's own fetch failed, so A shows none until the next start.
+        QCOMPARE(iconsShown(), (QStringList{u"A-"_s, u"B+"_s, u"C+"_s, u"D+"_s}));
 
-    load();
-    QCOMPARE(m_service->totalRequests(), 1 + iconRequests.size());
-    QCOMPARE(iconsShown(), (QStringList{u"A+"_s, u"B+"_s, u"C+"_s, u"D+"_s}));
-}
-
-void TestEventDataSource::serviceAddress_data()
-{
-    QTest::addColumn<QVariant>("configured");
-    QTest::addColumn<QString>("expected");
-
-    const QString builtIn = QStringLiteral(EVENTTIMER_SERVICE_URL) + u"/api/events/sequence"_s;
-    QTest::newRow("built in") << QVariant() << builtIn;
-    QTest::newRow("configured, with a trailing slash")
-        << QVariant(u"http://127.0.0.1:8080/"_s) << u"http://127.0.0.1:8080/api/events/sequence"_s;
-    QTest::newRow("empty text falls back") << QVariant(u""_s) << builtIn;
-}
-
-void TestEventDataSource::serviceAddress()
-{
-    QFETCH(QVariant, configured);
-    QFETCH(QString, expected);
-
-    m_store->setValue(settingskeys::serviceUrl.toString(), configured);
-    UrlLoader loader;
-    QString output;
-    QTextStream out(&output);
-    QCOMPARE(EventDataSource(*m_store, loader, *m_clock, out).serviceUrl().toString(), expected);
-}
+        load();
+        QCOMPARE(m_service->totalRequests(), 1 + iconRequests.size());
+        QCOMPARE(iconsShown(), (QStringList{u"A+"_s, u"B+"_s, u"C+"_s, u"D+"_s}));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestEventDataSource)
 #include "tst_eventdatasource.moc"

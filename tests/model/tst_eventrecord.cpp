@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Notes what the record asks for and answers with a 2 × 2 picture.
+// Notes what a record asks for, and answers with a picture.
 class Lookup final : public IconLookup
 {
 public:
@@ -20,15 +20,6 @@ public:
         return QImage(2, 2, QImage::Format_ARGB32);
     }
     QStringList asked;
-};
-
-// A segment record and the event fields it gives.
-struct Fields
-{
-    QByteArray record;
-    QString wiki = u"Wyrm"_s;
-    std::optional<QString> chatLink;
-    QStringList iconsAsked;
 };
 
 std::shared_ptr<Event> parse(const QByteArray &record, IconLookup *icons = nullptr)
@@ -43,111 +34,84 @@ class TestEventRecord : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void textFields_data();
-    void textFields();
-    void colors_data();
-    void colors();
-    void cacheKeys_data();
-    void cacheKeys();
-};
+    void textFields()
+    {
+        Lookup icons;
+        const auto event = parse(
+            R"({"name": "Wyrm", "link": "Ember", "chatlink": "[&A=]", "icon": "u", "section": "X"})",
+            &icons);
+        QCOMPARE(event->wiki, u"Ember"_s);
+        QCOMPARE(event->chatLink, std::optional<QString>(u"[&A=]"_s));
+        QCOMPARE(event->section, std::optional<QString>(u"Harbour"_s));
+        QCOMPARE(icons.asked, QStringList{u"u"_s});
+        QVERIFY(event->icon);
+        QVERIFY(!parse(R"({"name": "Wyrm", "icon": "u"})")->icon);
 
-void TestEventRecord::textFields_data()
-{
-    QTest::addColumn<Fields>("fields");
-    QTest::newRow("all strings") << Fields{
-        R"({"name": "Wyrm", "link": "Ember_Wyrm", "chatlink": "[&AbC=]", "icon": "u"})",
-        u"Ember_Wyrm"_s,
-        u"[&AbC=]"_s,
-        {u"u"_s}};
-    QTest::newRow("no link: the wiki is the name") << Fields{R"({"name": "Wyrm"})"};
-    QTest::newRow("values of other types count as missing")
-        << Fields{R"({"name": "Wyrm", "link": 5, "chatlink": 7, "icon": ["u"]})"};
-    QTest::newRow("an empty chat link is kept")
-        << Fields{R"({"name": "Wyrm", "chatlink": ""})", u"Wyrm"_s, u""_s};
-    QTest::newRow("the record's own section key is not read")
-        << Fields{R"({"name": "Wyrm", "section": "Elsewhere"})"};
-}
-
-void TestEventRecord::textFields()
-{
-    QFETCH(Fields, fields);
-    Lookup icons;
-    const auto event = parse(fields.record, &icons);
-    QCOMPARE(event->name, u"Wyrm"_s);
-    QCOMPARE(event->wiki, fields.wiki);
-    QCOMPARE(event->chatLink, fields.chatLink);
-    QCOMPARE(event->section, std::optional<QString>(u"Harbour"_s));
-    QCOMPARE(icons.asked, fields.iconsAsked);
-    QCOMPARE(event->icon.has_value(), !fields.iconsAsked.isEmpty());
-    QVERIFY(!parse(fields.record)->icon);
-}
-
-void TestEventRecord::colors_data()
-{
-    QTest::addColumn<QByteArray>("background");
-    QTest::addColumn<std::optional<QList<double>>>("rgb");
-
-    using Rgb = std::optional<QList<double>>;
-    const auto unit = [](float component) {
-        return static_cast<double>(component / 255.0f);
-    };
-    // 128 / 255 in single precision, widened: not the double quotient 0.50196078431372548.
-    QTest::newRow("triple") << "[255, 128, 0]"_ba << Rgb({1.0, 0.501960813999176025390625, 0.0});
-    QTest::newRow("fractional") << "[25.5, 0, 255]"_ba << Rgb({unit(25.5f), 0.0, 1.0});
-    QTest::newRow("first of nested triples")
-        << "[[10, 20, 30], [40, 50, 60]]"_ba << Rgb({unit(10), unit(20), unit(30)});
-    QTest::newRow("unwrapped once only") << "[[[1, 2, 3]]]"_ba << Rgb();
-    QTest::newRow("a pair whose first is no array") << "[1, 2]"_ba << Rgb();
-    QTest::newRow("a string") << R"("red")"_ba << Rgb();
-    QTest::newRow("empty") << "[]"_ba << Rgb();
-    QTest::newRow("a component that is no number") << R"([1, "2", 3])"_ba << Rgb();
-    QTest::newRow("beyond single precision") << "[1e300, 0, 0]"_ba << Rgb();
-}
-
-void TestEventRecord::colors()
-{
-    QFETCH(QByteArray, background);
-    QFETCH(std::optional<QList<double>>, rgb);
-
-    const EventColor color =
-        parse(R"({"name": "Wyrm", "bg": )" + background + '}')->backgroundColor;
-    if (!rgb) {
-        QCOMPARE(color, EventColor());
-        QVERIFY(color.isDefault());
-        return;
+        // Values of other types count as missing; an empty chat link is a chat link.
+        const auto other =
+            parse(R"({"name": "Wyrm", "link": 5, "chatlink": 7, "icon": []})", &icons);
+        QCOMPARE(other->wiki, u"Wyrm"_s);
+        QVERIFY(!other->chatLink);
+        QCOMPARE(icons.asked.size(), 1);
+        QCOMPARE(parse(R"({"name": "Wyrm", "chatlink": ""})")->chatLink, std::optional(u""_s));
     }
-    // Exact: the single-precision arithmetic is part of the contract.
-    QVERIFY(!color.isDefault());
-    QCOMPARE(QList<double>({color.red(), color.green(), color.blue(), color.alpha()}),
-             *rgb + QList<double>{0.8});
-}
 
-void TestEventRecord::cacheKeys_data()
-{
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<std::optional<QString>>("key");
+    void colors_data()
+    {
+        QTest::addColumn<QByteArray>("background");
+        QTest::addColumn<QList<double>>("rgb"); // empty: the default colour
 
-    using Key = std::optional<QString>;
-    QTest::newRow("usual") << u"https://icons.example.test/file/4F2A9C/517.png"_s
-                           << Key(u"4F2A9C_517"_s);
-    QTest::newRow("consecutive dots and slashes give no empty piece")
-        << u"https://h.test//x//X/1..png"_s << Key(u"X_1"_s);
-    QTest::newRow("the text between the last two dots")
-        << u"https://h.test/a/b.c/d.e/f.png"_s << Key(u"e_f"_s);
-    QTest::newRow("a dot inside a combined character does not split")
-        << u"https://h.test/a/B/1.png.\u0301x"_s << Key(u"B_1"_s);
-    QTest::newRow("a slash inside a combined character does not split")
-        << u"https://h.test/x/A/\u0338B.png"_s << Key(u"x_A/\u0338B"_s);
-    QTest::newRow("one piece at dots") << u"https://h/x/y/zpng"_s << Key();
-    QTest::newRow("one piece at slashes") << u"icon.png"_s << Key();
-}
+        const auto unit = [](float component) {
+            return static_cast<double>(component / 255.0f);
+        };
+        // 128 / 255 in single precision, widened: not the double 0.50196078431372548.
+        QTest::newRow("triple") << "[255, 128, 0]"_ba
+                                << QList<double>{1.0, 0.501960813999176025390625, 0.0};
+        QTest::newRow("first of nested triples")
+            << "[[10, 20, 30], [40, 50, 60]]"_ba << QList<double>{unit(10), unit(20), unit(30)};
+        QTest::newRow("unwrapped once only") << "[[[1, 2, 3]]]"_ba << QList<double>();
+        QTest::newRow("a pair whose first is no array") << "[1, 2]"_ba << QList<double>();
+        QTest::newRow("a string") << R"("red")"_ba << QList<double>();
+        QTest::newRow("a component that is no number") << R"([1, "2", 3])"_ba << QList<double>();
+        QTest::newRow("beyond single precision") << "[1e300, 0, 0]"_ba << QList<double>();
+    }
 
-void TestEventRecord::cacheKeys()
-{
-    QFETCH(QString, url);
-    QFETCH(std::optional<QString>, key);
-    QCOMPARE(iconCacheKey(url), key);
-}
+    void colors()
+    {
+        QFETCH(QByteArray, background);
+        QFETCH(QList<double>, rgb);
+        const EventColor color =
+            parse(R"({"name": "W", "bg": )" + background + '}')->backgroundColor;
+        QCOMPARE(color.isDefault(), rgb.isEmpty());
+        // Exact: the single-precision arithmetic is part of the contract.
+        if (!rgb.isEmpty())
+            QCOMPARE(QList<double>({color.red(), color.green(), color.blue(), color.alpha()}),
+                     rgb + QList<double>{0.8});
+    }
+
+    void cacheKeys_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<QString>("key"); // empty: none
+
+        QTest::newRow("usual") << u"https://icons.example.test/file/4F2A9C/517.png"_s
+                               << u"4F2A9C_517"_s;
+        QTest::newRow("consecutive dots and slashes give no empty piece")
+            << u"https://h.test//x//X/1..png"_s << u"X_1"_s;
+        QTest::newRow("a dot inside a combined character does not split")
+            << u"https://h.test/a/B/1.png.\u0301x"_s << u"B_1"_s;
+        QTest::newRow("a slash inside a combined character does not split")
+            << u"https://h.test/x/A/\u0338B.png"_s << u"x_A/\u0338B"_s;
+        QTest::newRow("one piece at dots") << u"https://h/x/y/zpng"_s << QString();
+    }
+
+    void cacheKeys()
+    {
+        QFETCH(QString, url);
+        QFETCH(QString, key);
+        QCOMPARE(iconCacheKey(url).value_or(QString()), key);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestEventRecord)
 #include "tst_eventrecord.moc"

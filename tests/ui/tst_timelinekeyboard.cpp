@@ -14,146 +14,126 @@ class TestTimelineKeyboard : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void tabEntersNearThePresentWithoutScrolling_data();
-    void tabEntersNearThePresentWithoutScrolling();
-    void keysMoveTheRingIntoView_data();
-    void keysMoveTheRingIntoView();
-    void keysCopyTheLink_data();
-    void keysCopyTheLink();
-    void ringIsPaintedOnTheCurrentBoxOnly();
-};
-
-void TestTimelineKeyboard::tabEntersNearThePresentWithoutScrolling_data()
-{
-    QTest::addColumn<bool>("scrolledDown");
-    QTest::addColumn<QString>("box");
-    QTest::newRow("top of the timetable") << false << u"Market 10:00"_s;
-    QTest::newRow("scrolled to the last row") << true << u"Watch 00:30"_s;
-}
-
-void TestTimelineKeyboard::tabEntersNearThePresentWithoutScrolling()
-{
-    QFETCH(bool, scrolledDown);
-    QFETCH(QString, box);
-    SmallTimetable window(QSize(1000, 200));
-    QVERIFY(window.exposed());
-    QScrollArea *timetable = window.controller().verticalScroll();
-    if (scrolledDown)
+    void tabEntersNearThePresentWithoutScrolling()
+    {
+        SmallTimetable window(QSize(1000, 200));
+        QVERIFY(window.exposed());
+        QScrollArea *timetable = window.controller().verticalScroll();
         timetable->verticalScrollBar()->setValue(timetable->verticalScrollBar()->maximum());
-    const int timetableBefore = timetable->verticalScrollBar()->value();
-    const int dayBefore = window.controller().horizontalScroll()->horizontalScrollBar()->value();
+        const int timetableBefore = timetable->verticalScrollBar()->value();
+        const int dayBefore =
+            window.controller().horizontalScroll()->horizontalScrollBar()->value();
 
-    // From the timetable's area: the horizontal area is no stop of its own.
-    timetable->setFocus(Qt::OtherFocusReason);
-    QTest::keyClick(timetable, Qt::Key_Tab);
-    QVERIFY(window.timeline().hasFocus());
-    QCOMPARE(window.label(*window.timeline().currentBox()), box);
-    QCOMPARE(timetable->verticalScrollBar()->value(), timetableBefore);
-    QCOMPARE(window.controller().horizontalScroll()->horizontalScrollBar()->value(), dayBefore);
-}
+        // From the timetable's area: the horizontal area is no stop of its own.
+        timetable->setFocus(Qt::OtherFocusReason);
+        QTest::keyClick(timetable, Qt::Key_Tab);
+        QVERIFY(window.timeline().hasFocus());
+        QCOMPARE(window.label(*window.timeline().currentBox()), u"Watch 00:30"_s);
+        QCOMPARE(timetable->verticalScrollBar()->value(), timetableBefore);
+        QCOMPARE(window.controller().horizontalScroll()->horizontalScrollBar()->value(), dayBefore);
+    }
 
-void TestTimelineKeyboard::keysMoveTheRingIntoView_data()
-{
-    QTest::addColumn<QList<int>>("keys");
-    QTest::addColumn<QString>("box");
+    void keysMoveTheRingIntoView_data()
+    {
+        QTest::addColumn<QList<int>>("keys");
+        QTest::addColumn<QString>("box");
+        QTest::newRow("end of the day")
+            << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_End} << u"Watch 12:30"_s;
+        QTest::newRow("back to the top")
+            << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Home, Qt::Key_Up, Qt::Key_Up}
+            << u"Tide 09:00"_s;
+    }
 
-    QTest::newRow("down to the last row")
-        << QList<int>{Qt::Key_Down, Qt::Key_Down} << u"Watch 00:30"_s;
-    QTest::newRow("end of the day")
-        << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_End} << u"Watch 12:30"_s;
-    QTest::newRow("back to the top")
-        << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Home, Qt::Key_Up, Qt::Key_Up}
-        << u"Tide 09:00"_s;
-}
+    void keysMoveTheRingIntoView()
+    {
+        QFETCH(QList<int>, keys);
+        QFETCH(QString, box);
+        // Less than two rows high, and a fraction of the day wide.
+        SmallTimetable window(QSize(700, 200));
+        QVERIFY(window.exposed());
+        TimelineWidget &timeline = window.timeline();
+        timeline.setFocus(Qt::TabFocusReason);
+        for (const int key : keys)
+            QTest::keyClick(&timeline, static_cast<Qt::Key>(key));
+        QCOMPARE(window.label(*timeline.currentBox()), box);
 
-void TestTimelineKeyboard::keysMoveTheRingIntoView()
-{
-    QFETCH(QList<int>, keys);
-    QFETCH(QString, box);
-    // Less than two rows high, and a fraction of the day wide.
-    SmallTimetable window(QSize(700, 200));
-    QVERIFY(window.exposed());
-    TimelineWidget &timeline = window.timeline();
-    timeline.setFocus(Qt::TabFocusReason);
-    for (const int key : keys)
-        QTest::keyClick(&timeline, static_cast<Qt::Key>(key));
-    QCOMPARE(window.label(*timeline.currentBox()), box);
+        // As much of it as each view holds, with room for the ring.
+        const QRect rect = timeline.boxes().at(*timeline.currentBox()).rect.toAlignedRect();
+        const auto shown = [&](const QScrollArea *area) {
+            return QRect(timeline.mapTo(area->viewport(), rect.topLeft()), rect.size()) &
+                   area->viewport()->rect();
+        };
+        const HorizontalScroll *day = window.controller().horizontalScroll();
+        QCOMPARE_GE(shown(day).width(), std::min(rect.width() - 1, day->viewport()->width() - 16));
+        QCOMPARE(shown(window.controller().verticalScroll()).height(), rect.height());
+    }
 
-    // As much of it as each view holds, with room for the ring.
-    const QRect rect = timeline.boxes().at(*timeline.currentBox()).rect.toAlignedRect();
-    const auto shown = [&](const QScrollArea *area) {
-        return QRect(timeline.mapTo(area->viewport(), rect.topLeft()), rect.size()) &
-               area->viewport()->rect();
-    };
-    const HorizontalScroll *day = window.controller().horizontalScroll();
-    QCOMPARE_GE(shown(day).width(), std::min(rect.width() - 1, day->viewport()->width() - 16));
-    QCOMPARE(shown(window.controller().verticalScroll()).height(), rect.height());
-}
+    void keysCopyTheLink_data()
+    {
+        QTest::addColumn<int>("move"); // from Market 10:00, where the ring enters
+        QTest::addColumn<QKeyCombination>("copy");
+        QTest::addColumn<QString>("clipboard");
 
-void TestTimelineKeyboard::keysCopyTheLink_data()
-{
-    QTest::addColumn<QList<int>>("keys");
-    QTest::addColumn<QKeyCombination>("copy");
-    QTest::addColumn<QString>("clipboard");
+        QTest::newRow("Return") << int(Qt::Key_Left) << QKeyCombination(Qt::Key_Return)
+                                << QString::fromUtf16(SmallDay::tideLink);
+        QTest::newRow("Enter of the keypad")
+            << int(Qt::Key_Down) << QKeyCombination(Qt::KeypadModifier, Qt::Key_Enter)
+            << QString::fromUtf16(SmallDay::nightLink);
+        QTest::newRow("the copy shortcut")
+            << int(Qt::Key_Left) << QKeyCombination(Qt::ControlModifier, Qt::Key_C)
+            << QString::fromUtf16(SmallDay::tideLink);
+        QTest::newRow("a box without a link")
+            << 0 << QKeyCombination(Qt::Key_Return) << u"earlier"_s;
+        QTest::newRow("a plain C is no copy")
+            << int(Qt::Key_Left) << QKeyCombination(Qt::Key_C) << u"earlier"_s;
+    }
 
-    // From Market 10:00, where the ring enters.
-    QTest::newRow("Return") << QList<int>{Qt::Key_Left} << QKeyCombination(Qt::Key_Return)
-                            << QString::fromUtf16(SmallDay::tideLink);
-    QTest::newRow("Enter of the keypad")
-        << QList<int>{Qt::Key_Down} << QKeyCombination(Qt::KeypadModifier, Qt::Key_Enter)
-        << QString::fromUtf16(SmallDay::nightLink);
-    QTest::newRow("the copy shortcut")
-        << QList<int>{Qt::Key_Left, Qt::Key_Down} << QKeyCombination(Qt::ControlModifier, Qt::Key_C)
-        << QString::fromUtf16(SmallDay::huntLink);
-    QTest::newRow("a box without a link")
-        << QList<int>{} << QKeyCombination(Qt::Key_Return) << u"earlier"_s;
-    QTest::newRow("a plain C is no copy")
-        << QList<int>{Qt::Key_Left} << QKeyCombination(Qt::Key_C) << u"earlier"_s;
-}
+    void keysCopyTheLink()
+    {
+        QFETCH(int, move);
+        QFETCH(QKeyCombination, copy);
+        QFETCH(QString, clipboard);
+        SmallTimetable window;
+        QVERIFY(window.exposed());
+        TimelineWidget &timeline = window.timeline();
+        timeline.setFocus(Qt::TabFocusReason);
+        QCOMPARE(window.label(*timeline.currentBox()), u"Market 10:00"_s);
+        if (move)
+            QTest::keyClick(&timeline, static_cast<Qt::Key>(move));
+        QGuiApplication::clipboard()->setText(u"earlier"_s);
 
-void TestTimelineKeyboard::keysCopyTheLink()
-{
-    QFETCH(QList<int>, keys);
-    QFETCH(QKeyCombination, copy);
-    QFETCH(QString, clipboard);
-    SmallTimetable window;
-    QVERIFY(window.exposed());
-    TimelineWidget &timeline = window.timeline();
-    timeline.setFocus(Qt::TabFocusReason);
-    for (const int key : keys)
-        QTest::keyClick(&timeline, static_cast<Qt::Key>(key));
-    QGuiApplication::clipboard()->setText(u"earlier"_s);
+        QTest::keyClick(&timeline, copy.key(), copy.keyboardModifiers());
+        QCOMPARE(QGuiApplication::clipboard()->text(), clipboard);
+        QCOMPARE(window.controller().clipboardMessage()->isVisible(), clipboard != u"earlier"_s);
+    }
 
-    QTest::keyClick(&timeline, copy.key(), copy.keyboardModifiers());
-    QCOMPARE(QGuiApplication::clipboard()->text(), clipboard);
-    QCOMPARE(window.controller().clipboardMessage()->isVisible(), clipboard != u"earlier"_s);
-}
+    void ringIsPaintedOnTheCurrentBoxOnly()
+    {
+        SmallTimetable window;
+        QVERIFY(window.exposed());
+        TimelineWidget &timeline = window.timeline();
+        const QRect tide = timeline.boxes().at(window.box(u"Tide 09:00"_s)).rect.toAlignedRect();
+        const QRect market =
+            timeline.boxes().at(window.box(u"Market 10:00"_s)).rect.toAlignedRect();
+        // Painted once before, so that the boxes come from their cached pictures afterwards.
+        const QImage tidePlain = timeline.grab(tide).toImage();
+        const QImage marketPlain = timeline.grab(market).toImage();
 
-void TestTimelineKeyboard::ringIsPaintedOnTheCurrentBoxOnly()
-{
-    SmallTimetable window;
-    QVERIFY(window.exposed());
-    TimelineWidget &timeline = window.timeline();
-    const QRect tide = timeline.boxes().at(window.box(u"Tide 09:00"_s)).rect.toAlignedRect();
-    const QRect market = timeline.boxes().at(window.box(u"Market 10:00"_s)).rect.toAlignedRect();
-    // Painted once before, so that the boxes come from their cached pictures afterwards.
-    const QImage tidePlain = timeline.grab(tide).toImage();
-    const QImage marketPlain = timeline.grab(market).toImage();
+        // A click puts the ring on the box it hits, and the keys move it on from there.
+        QTest::mouseClick(&timeline, Qt::LeftButton, Qt::NoModifier,
+                          tide.topLeft() + QPoint(20, 10));
+        QVERIFY(timeline.grab(tide).toImage() != tidePlain);
+        QCOMPARE(timeline.grab(market).toImage(), marketPlain);
+        QTest::keyClick(&timeline, Qt::Key_Right);
+        QCOMPARE(timeline.grab(tide).toImage(), tidePlain);
+        QVERIFY(timeline.grab(market).toImage() != marketPlain);
 
-    // A click puts the ring on the box it hits, and the keys move it on from there.
-    QTest::mouseClick(&timeline, Qt::LeftButton, Qt::NoModifier, tide.topLeft() + QPoint(20, 10));
-    QVERIFY(timeline.hasFocus());
-    QVERIFY(timeline.grab(tide).toImage() != tidePlain);
-    QCOMPARE(timeline.grab(market).toImage(), marketPlain);
-    QTest::keyClick(&timeline, Qt::Key_Right);
-    QCOMPARE(timeline.grab(tide).toImage(), tidePlain);
-    QVERIFY(timeline.grab(market).toImage() != marketPlain);
-
-    // Without the focus, no ring, though the box stays current.
-    window.controller().verticalScroll()->setFocus(Qt::TabFocusReason);
-    QCOMPARE(window.label(*timeline.currentBox()), u"Market 10:00"_s);
-    QCOMPARE(timeline.grab(market).toImage(), marketPlain);
-}
+        // Without the focus, no ring, though the box stays current.
+        window.controller().verticalScroll()->setFocus(Qt::TabFocusReason);
+        QCOMPARE(window.label(*timeline.currentBox()), u"Market 10:00"_s);
+        QCOMPARE(timeline.grab(market).toImage(), marketPlain);
+    }
+};
 
 QTEST_MAIN(TestTimelineKeyboard)
 #include "tst_timelinekeyboard.moc"

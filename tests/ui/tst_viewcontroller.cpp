@@ -49,102 +49,92 @@ class TestViewController : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void builtFromTheSample();
-    void tickMovesTheMarkerAndScrolls();
-    void emptyTimetable();
-};
 
-void TestViewController::builtFromTheSample()
-{
-    Window window(true);
-    ViewController &controller = window.controller;
-    QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
-    QCOMPARE(controller.sections().size(), 18);
+    void builtFromTheSample()
+    {
+        Window window(true);
+        ViewController &controller = window.controller;
+        QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
+        QCOMPARE(controller.sections().size(), 18);
 
-    // Every occurrence has its box, and rows line up with their labels: a box starts 15 above
-    // its label's top.
-    const TimelineWidget *timeline = controller.horizontalScrollContent();
-    qsizetype occurrences = 0;
-    for (const auto &section : controller.sections())
-        occurrences += section->sequence.size();
-    QCOMPARE(timeline->boxes().size(), occurrences);
-    const QWidget *content = controller.verticalScrollContent();
-    const QList<QLabel *> labels = controller.sectionsView()->findChildren<QLabel *>();
-    QCOMPARE(labels.size(), 18);
-    for (qsizetype i = 0; i < timeline->boxes().size(); ++i) {
-        const EventBoxGeometry &box = timeline->boxes().at(i);
-        const QLabel *label = labels.at(box.row);
-        QCOMPARE(label->text(), controller.geometry().sectionLabels.at(box.row).text);
-        QCOMPARE(timeline->mapTo(content, QPoint(0, qRound(box.rect.top()))).y(),
-                 label->mapTo(content, QPoint(0, 0)).y() - 15);
-        // The copy button answers exactly for events with a chat link.
-        const QPointF button = timeline->copyButtonRect(i).center();
-        if (box.rect.width() >= 40)
-            QCOMPARE(timeline->copyButtonAt(button).has_value(), box.event().chatLink.has_value());
+        // Every occurrence has its box, and rows line up with their labels: a box starts 15 above
+        // its label's top.
+        const TimelineWidget *timeline = controller.horizontalScrollContent();
+        qsizetype occurrences = 0;
+        for (const auto &section : controller.sections())
+            occurrences += section->sequence.size();
+        QCOMPARE(timeline->boxes().size(), occurrences);
+        const QWidget *content = controller.verticalScrollContent();
+        const QList<QLabel *> labels = controller.sectionsView()->findChildren<QLabel *>();
+        QCOMPARE(labels.size(), 18);
+        for (const EventBoxGeometry &box : timeline->boxes())
+            QCOMPARE(timeline->mapTo(content, QPoint(0, qRound(box.rect.top()))).y(),
+                     labels.at(box.row)->mapTo(content, QPoint(0, 0)).y() - 15);
+        QCOMPARE(controller.categories().size(), 6);
+
+        // Exported once, in the sections' list order.
+        QCOMPARE(window.exported.size(), 1);
+        QCOMPARE(window.exported.first(),
+                 globalSequence(controller.sections(), window.clock.zone()));
+        QVERIFY(!window.exported.first().empty());
+        QVERIFY(controller.clipboardMessage()->isHidden());
+
+        // A second appearance builds nothing more.
+        controller.view()->hide();
+        controller.view()->show();
+        controller.viewDidAppear();
+        QCOMPARE(controller.horizontalScrollContent()->boxes().size(), occurrences);
+        QCOMPARE(controller.categories().size(), 6);
+        QCOMPARE(window.exported.size(), 1);
     }
-    QCOMPARE(controller.categories().size(), 6);
 
-    // Exported once, in the sections' list order.
-    QCOMPARE(window.exported.size(), 1);
-    QCOMPARE(window.exported.first(), globalSequence(controller.sections(), window.clock.zone()));
-    QVERIFY(!window.exported.first().empty());
-    QVERIFY(controller.clipboardMessage()->isHidden());
+    void tickMovesTheMarkerAndScrolls()
+    {
+        Window window(true);
+        ViewController &controller = window.controller;
+        QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
+        QScrollBar *bar = controller.horizontalScroll()->horizontalScrollBar();
+        const auto target = [&](double x) {
+            return qFloor(x - controller.horizontalScroll()->width() / 6.0);
+        };
 
-    // A second appearance builds nothing more.
-    controller.view()->hide();
-    controller.view()->show();
-    controller.viewDidAppear();
-    QCOMPARE(controller.horizontalScrollContent()->boxes().size(), occurrences);
-    QCOMPARE(controller.categories().size(), 6);
-    QCOMPARE(window.exported.size(), 1);
-}
+        // 12:34:59.9 UTC is minute 754; the clock shows local time at UTC+2.
+        QCOMPARE(controller.timeConstraint(), std::optional<double>(7540));
+        QCOMPARE(controller.timeLabel()->text(), u"14:34"_s);
+        QCOMPARE(controller.timeLabel()->pos(), QPoint(7540 + 1 + 3, 3));
+        QCOMPARE(bar->value(), target(7540));
 
-void TestViewController::tickMovesTheMarkerAndScrolls()
-{
-    Window window(true);
-    ViewController &controller = window.controller;
-    QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
-    QScrollBar *bar = controller.horizontalScroll()->horizontalScrollBar();
-    const auto target = [&](double x) {
-        return qFloor(x - controller.horizontalScroll()->width() / 6.0);
-    };
+        // Nothing moves between ticks; the user's scrolling stands until the next one.
+        bar->setValue(100);
+        window.clock.advance(std::chrono::milliseconds(59999));
+        QCOMPARE(controller.timeConstraint(), std::optional<double>(7540));
+        QCOMPARE(bar->value(), 100);
+        window.clock.advance(std::chrono::milliseconds(1));
+        QCOMPARE(controller.timeConstraint(), std::optional<double>(7550));
+        QCOMPARE(controller.timeLabel()->text(), u"14:35"_s);
+        QCOMPARE(controller.timeLabel()->x(), 7550 + 1 + 3);
+        QCOMPARE(bar->value(), target(7550));
 
-    // 12:34:59.9 UTC is minute 754; the clock shows local time at UTC+2.
-    QCOMPARE(controller.timeConstraint(), std::optional<double>(7540));
-    QCOMPARE(controller.timeLabel()->text(), u"14:34"_s);
-    QCOMPARE(controller.timeLabel()->pos(), QPoint(7540 + 1 + 3, 3));
-    QCOMPARE(bar->value(), target(7540));
+        // Past UTC midnight the marker starts again at 0; the scroll stops at the content's edge.
+        window.clock.setNow(QDateTime(QDate(2026, 11, 22), QTime(23, 59, 30), QTimeZone::utc()));
+        window.clock.advance(std::chrono::seconds(60));
+        QCOMPARE(controller.timeConstraint(), std::optional<double>(0));
+        QCOMPARE(controller.timeLabel()->text(), u"02:00"_s);
+        QCOMPARE(bar->value(), 0);
+    }
 
-    // Nothing moves between ticks; the user's scrolling stands until the next one.
-    bar->setValue(100);
-    window.clock.advance(std::chrono::milliseconds(59999));
-    QCOMPARE(controller.timeConstraint(), std::optional<double>(7540));
-    QCOMPARE(bar->value(), 100);
-    window.clock.advance(std::chrono::milliseconds(1));
-    QCOMPARE(controller.timeConstraint(), std::optional<double>(7550));
-    QCOMPARE(controller.timeLabel()->text(), u"14:35"_s);
-    QCOMPARE(controller.timeLabel()->x(), 7550 + 1 + 3);
-    QCOMPARE(bar->value(), target(7550));
-
-    // Past UTC midnight the marker starts again at 0; the scroll stops at the content's edge.
-    window.clock.setNow(QDateTime(QDate(2026, 11, 22), QTime(23, 59, 30), QTimeZone::utc()));
-    window.clock.advance(std::chrono::seconds(60));
-    QCOMPARE(controller.timeConstraint(), std::optional<double>(0));
-    QCOMPARE(controller.timeLabel()->text(), u"02:00"_s);
-    QCOMPARE(bar->value(), 0);
-}
-
-void TestViewController::emptyTimetable()
-{
-    Window window(false);
-    ViewController &controller = window.controller;
-    QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
-    QVERIFY(controller.emptyMessage()->isVisible());
-    QCOMPARE(controller.emptyMessage()->text(), u"No events could be loaded."_s);
-    QVERIFY(!controller.verticalScroll()->isVisible());
-    QCOMPARE(window.exported, QList<GlobalSequence>{GlobalSequence()});
-    QCOMPARE(controller.geometry().contentHeight, 7.0);
-}
+    void emptyTimetable()
+    {
+        Window window(false);
+        ViewController &controller = window.controller;
+        QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
+        QVERIFY(controller.emptyMessage()->isVisible());
+        QCOMPARE(controller.emptyMessage()->text(), u"No events could be loaded."_s);
+        QVERIFY(!controller.verticalScroll()->isVisible());
+        QCOMPARE(window.exported, QList<GlobalSequence>{GlobalSequence()});
+        QCOMPARE(controller.geometry().contentHeight, 7.0);
+    }
+};
 
 QTEST_MAIN(TestViewController)
 #include "tst_viewcontroller.moc"
