@@ -1,5 +1,6 @@
 #include "app/timetablewindow.h"
 
+#include "data/cachefolder.h"
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/suiteexport.h"
@@ -15,17 +16,20 @@ namespace eventtimer {
 TimetableWindow::TimetableWindow(Clock &clock)
     : m_clock(clock)
     , m_out(stdout)
+    , m_err(stderr)
 {
     const auto loadSections = [this] {
-        const std::unique_ptr<QSettings> settings = SettingsStore::openStandard();
-        SettingsStore store(*settings);
+        const std::unique_ptr<QSettings> file = SettingsStore::openStandard();
+        const SettingsStore settings(*file, m_err);
+        CacheFolder cache(CacheFolder::standardPath(), m_err);
         UrlLoader loader;
-        EventDataSource source(store, loader, m_clock, m_out);
+        EventDataSource source(settings, cache, loader, m_clock, m_out, m_err);
         return source.loadSections();
     };
-    const auto exportToSuite = [](const GlobalSequence &sequence) {
+    const auto exportToSuite = [this](const GlobalSequence &sequence, const QDateTime &now) {
         // A suite that cannot be written leaves the timetable as it is.
-        exportToSharedSuite(sequence);
+        if (const Status written = exportToSharedSuite(sequence, now); !written)
+            m_err << "eventtimer: " << written.error() << Qt::endl;
     };
     m_controller = std::make_unique<ViewController>(loadSections, exportToSuite, m_clock);
 

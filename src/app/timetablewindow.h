@@ -27,6 +27,7 @@ public:
 private:
     Clock &m_clock;
     QTextStream m_out;
+    QTextStream m_err;
     std::unique_ptr<ViewController> m_controller;
     QMainWindow m_window;
 };

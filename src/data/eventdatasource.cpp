@@ -1,5 +1,6 @@
 #include "data/eventdatasource.h"
 
+#include "data/cachefolder.h"
 #include "data/iconcache.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
@@ -77,18 +78,21 @@ private:
 
 } // namespace
 
-EventDataSource::EventDataSource(SettingsStore &store, UrlLoader &loader, const Clock &clock,
-                                 QTextStream &out)
-    : m_store(store)
+EventDataSource::EventDataSource(const SettingsStore &settings, CacheFolder &cache,
+                                 UrlLoader &loader, const Clock &clock, QTextStream &out,
+                                 QTextStream &err)
+    : m_settings(settings)
+    , m_cache(cache)
     , m_loader(loader)
     , m_clock(clock)
     , m_out(out)
+    , m_err(err)
 {}
 
 QUrl EventDataSource::serviceUrl() const
 {
     QString base = QStringLiteral(EVENTTIMER_SERVICE_URL);
-    const QVariant configured = m_store.value(settingskeys::serviceUrl.toString());
+    const QVariant configured = m_settings.value(settingskeys::serviceUrl);
     if (configured.typeId() == QMetaType::QString && !configured.toString().isEmpty())
         base = configured.toString();
     while (base.endsWith(u'/'))
@@ -99,15 +103,19 @@ QUrl EventDataSource::serviceUrl() const
 SectionList EventDataSource::loadSections()
 {
     const QDateTime now = m_clock.now();
-    const QVariant cachedValue = m_store.value(settingskeys::documentBytes.toString());
-    const QVariant stampValue = m_store.value(settingskeys::documentDate.toString());
-    const bool haveCache = cachedValue.typeId() == QMetaType::QByteArray;
+    const std::optional<QByteArray> cached =
+        m_cache.read(documentFile.toString(), UrlLoader::Limits().maxBodyBytes);
+    // A date file that does not hold a date counts as no date.
+    const std::optional<QByteArray> dateText = m_cache.read(dateFile.toString(), 64);
+    const QDateTime stamp =
+        dateText
+            ? QDateTime::fromString(QString::fromLatin1(dateText->trimmed()), Qt::ISODateWithMs)
+            : QDateTime();
 
     // A copy without a date is never refreshed; a date in the future counts as fresh.
-    bool download = !haveCache;
-    if (stampValue.typeId() == QMetaType::QDateTime && stampValue.toDateTime().isValid()) {
-        const qint64 age =
-            (now.toMSecsSinceEpoch() - stampValue.toDateTime().toMSecsSinceEpoch()) / 1000;
+    bool download = !cached;
+    if (stamp.isValid()) {
+        const qint64 age = (now.toMSecsSinceEpoch() - stamp.toMSecsSinceEpoch()) / 1000;
         download = download || age >= refreshAfterSeconds;
     }
 
@@ -116,8 +124,8 @@ SectionList EventDataSource::loadSections()
         const QUrl url = serviceUrl();
         if (!url.isValid()) {
             // Nothing can be asked of an address that is not one; say so on the error stream.
-            QTextStream(stderr) << "eventtimer: the event service address is not a valid URL: "
-                                << url.toString() << Qt::endl;
+            m_err << "eventtimer: the event service address is not a valid URL: " << url.toString()
+                  << Qt::endl;
             return {};
         }
         Result<QByteArray> body = m_loader.read(url);
@@ -126,12 +134,14 @@ SectionList EventDataSource::loadSections()
             return {};
         }
         bytes = std::move(body).value();
-        m_store.setValue(settingskeys::documentBytes.toString(), bytes);
-        m_store.setValue(settingskeys::documentDate.toString(), m_clock.now());
-        m_store.sync();
+        // The bytes first, then their date: a start killed in between finds the new bytes with
+        // the old date, never a date without its bytes.
+        if (m_cache.write(documentFile.toString(), bytes))
+            m_cache.write(dateFile.toString(),
+                          m_clock.now().toUTC().toString(Qt::ISODateWithMs).toLatin1());
         say(connectionOk);
     } else {
-        bytes = cachedValue.toByteArray();
+        bytes = *cached;
     }
 
     QJsonParseError error;
@@ -151,14 +161,13 @@ SectionList EventDataSource::loadSections()
 
 ParsedDocument EventDataSource::parseWithIcons(const QJsonArray &document, const ScheduleDay &day)
 {
-    // A start from the store parses once; only missing icons cost a second pass.
-    IconCache cache(m_store);
+    // A start from the cache parses once; only missing icons cost a second pass.
+    IconCache cache(m_cache, m_err);
     AskedIcons asked(cache);
     ParsedDocument parsed = parseDocument(document, {day, &asked});
     if (!asked.missing)
         return parsed;
     const QHash<QString, bool> fetched = cache.fetchMissing(asked.asked, m_loader, iconConcurrency);
-    m_store.sync();
     FetchedIcons icons(cache, fetched);
     return parseDocument(document, {day, &icons});
 }

@@ -1,16 +1,23 @@
 #include "data/iconcache.h"
 
-#include "data/keyvaluestore.h"
-#include "data/tiffcodec.h"
+#include "data/cachefolder.h"
 #include "data/urlloader.h"
 
 #include <QUrl>
 
+using namespace Qt::StringLiterals;
+
 namespace eventtimer {
 
-IconCache::IconCache(KeyValueStore &store)
-    : m_store(store)
+IconCache::IconCache(CacheFolder &folder, QTextStream &err)
+    : m_folder(folder)
+    , m_err(err)
 {}
+
+QString IconCache::fileName(const QString &key)
+{
+    return u"icons/"_s + CacheFolder::safeName(key);
+}
 
 std::optional<QImage> IconCache::icon(const QString &url)
 {
@@ -19,11 +26,12 @@ std::optional<QImage> IconCache::icon(const QString &url)
         return std::nullopt;
     auto known = m_decoded.find(*key);
     if (known == m_decoded.end()) {
-        // Stored once, never replaced: data that does not decode leaves the icon absent.
-        const QVariant stored = m_store.value(*key);
+        // Kept once, never replaced: a file that does not decode leaves the icon absent.
         std::optional<QImage> image;
-        if (stored.typeId() == QMetaType::QByteArray)
-            image = TiffCodec::decode(stored.toByteArray());
+        if (const std::optional<QByteArray> bytes = m_folder.read(fileName(*key), maxIconBytes)) {
+            if (QImage decoded = QImage::fromData(*bytes); !decoded.isNull())
+                image = std::move(decoded);
+        }
         known = m_decoded.insert(*key, image);
     }
     return known.value();
@@ -32,21 +40,27 @@ std::optional<QImage> IconCache::icon(const QString &url)
 bool IconCache::has(const QString &url) const
 {
     const std::optional<QString> key = iconCacheKey(url);
-    return key && m_store.value(*key).isValid();
+    return key && m_folder.contains(fileName(*key));
 }
 
 QHash<QString, bool> IconCache::fetchMissing(const QStringList &asked, UrlLoader &loader,
                                              int concurrency)
 {
-    // Per key without a stored value, its URLs in the order they were asked for, each once.
+    // Per key not kept yet, its URLs in the order they were asked for, each once.
     QStringList keys;
     QHash<QString, QStringList> urlsOf;
     for (const QString &url : asked) {
         const std::optional<QString> key = iconCacheKey(url);
         if (!key || has(url))
             continue;
-        if (!urlsOf.contains(*key))
+        if (!urlsOf.contains(*key)) {
+            if (keys.size() == maxFetchedPerDocument) {
+                m_err << "eventtimer: the document asks for more than " << maxFetchedPerDocument
+                      << " new icons; the others wait for a later start" << Qt::endl;
+                break;
+            }
             keys.append(*key);
+        }
         QStringList &urls = urlsOf[*key];
         if (!urls.contains(url))
             urls.append(url);
@@ -54,6 +68,7 @@ QHash<QString, bool> IconCache::fetchMissing(const QStringList &asked, UrlLoader
 
     QHash<QString, bool> fetched;
     QHash<QString, qsizetype> tried;
+    QStringList failures;
     QStringList round = keys;
     while (!round.isEmpty()) {
         QStringList texts;
@@ -62,23 +77,33 @@ QHash<QString, bool> IconCache::fetchMissing(const QStringList &asked, UrlLoader
             texts.append(urlsOf.value(key).at(tried[key]++));
             urls.append(QUrl(texts.last(), QUrl::StrictMode));
         }
-        const QList<Result<QByteArray>> bodies = loader.readAll(urls, concurrency);
+        const QList<Result<QByteArray>> bodies = loader.readAll(urls, concurrency, maxIconBytes);
         QStringList again;
         for (qsizetype i = 0; i < round.size(); ++i) {
             const QString &key = round.at(i);
-            const QImage image = bodies.at(i) ? QImage::fromData(bodies.at(i).value()) : QImage();
+            QImage image;
+            if (bodies.at(i))
+                image = QImage::fromData(bodies.at(i).value());
             fetched.insert(texts.at(i), !image.isNull());
             if (!image.isNull()) {
-                const QByteArray tiff = TiffCodec::encode(image);
-                if (!tiff.isEmpty())
-                    m_store.setValue(key, tiff);
+                m_folder.write(fileName(key), bodies.at(i).value());
                 m_decoded.insert(key, image);
-            } else if (tried.value(key) < urlsOf.value(key).size()) {
-                again.append(key);
+                continue;
             }
+            failures.append(texts.at(i) + u": "_s +
+                            (bodies.at(i) ? u"not an image"_s : bodies.at(i).error()));
+            if (tried.value(key) < urlsOf.value(key).size())
+                again.append(key);
         }
         round = again;
     }
+    constexpr qsizetype shown = 3;
+    for (qsizetype i = 0; i < std::min(failures.size(), shown); ++i)
+        m_err << "eventtimer: no icon from " << failures.at(i) << Qt::endl;
+    if (failures.size() > shown)
+        m_err << "eventtimer: and " << failures.size() - shown
+              << " more icons could not be fetched; they are tried again at the next start"
+              << Qt::endl;
     return fetched;
 }
 

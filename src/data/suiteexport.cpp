@@ -1,8 +1,11 @@
 #include "data/suiteexport.h"
 
-#include "data/settingsstore.h"
-
-#include <QVariantList>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSaveFile>
+#include <QTimeZone>
 
 using namespace Qt::StringLiterals;
 
@@ -11,11 +14,6 @@ namespace eventtimer {
 SuiteArrays suiteArrays(const GlobalSequence &globalSequence)
 {
     SuiteArrays arrays;
-    const auto count = static_cast<qsizetype>(globalSequence.size());
-    arrays.times.reserve(count);
-    arrays.sequence.reserve(count);
-    arrays.sections.reserve(count);
-    arrays.chatLinks.reserve(count);
     // std::map walks its keys in ascending order.
     for (const auto &[key, event] : globalSequence) {
         arrays.times.append(key);
@@ -28,36 +26,43 @@ SuiteArrays suiteArrays(const GlobalSequence &globalSequence)
     return arrays;
 }
 
-void exportToSharedSuite(const GlobalSequence &globalSequence, KeyValueStore &suite)
+QByteArray suiteJson(const GlobalSequence &globalSequence, const QDateTime &now)
 {
     const SuiteArrays arrays = suiteArrays(globalSequence);
-    // As 64-bit numbers, so that a reader gets integers back.
-    QVariantList times;
-    times.reserve(arrays.times.size());
+    QJsonArray times;
     for (const qint64 time : arrays.times)
-        times.append(QVariant::fromValue(time));
-    suite.setValue(suitekeys::times.toString(), times);
-    suite.setValue(suitekeys::sequence.toString(), arrays.sequence);
-    suite.setValue(suitekeys::sections.toString(), arrays.sections);
-    suite.setValue(suitekeys::chatLinks.toString(), arrays.chatLinks);
+        times.append(time);
+    const QDateTime utc = now.toUTC();
+    const QDateTime dayStart = utc.date().startOfDay(QTimeZone::utc()).toUTC();
+    const QList<std::pair<QStringView, QJsonValue>> members{
+        {suitekeys::times, times},
+        {suitekeys::sequence, QJsonArray::fromStringList(arrays.sequence)},
+        {suitekeys::sections, QJsonArray::fromStringList(arrays.sections)},
+        {suitekeys::chatLinks, QJsonArray::fromStringList(arrays.chatLinks)},
+        {suitekeys::axisDayStart, dayStart.toString(Qt::ISODate)},
+        {suitekeys::writtenAt, utc.toString(Qt::ISODate)}};
+    QByteArray text = "{\n";
+    for (qsizetype i = 0; i < members.size(); ++i) {
+        const auto &[key, value] = members.at(i);
+        // A value alone is no JSON document: its text is cut from a one-element array's.
+        const QByteArray wrapped = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+        text += "    \"" + key.toLatin1() + "\": " + wrapped.mid(1).chopped(1) +
+                (i + 1 < members.size() ? ",\n" : "\n");
+    }
+    return text + "}\n";
 }
 
-Status exportToSharedSuite(const GlobalSequence &globalSequence, QSettings &suite)
+Status exportToSharedSuite(const GlobalSequence &globalSequence, const QDateTime &now,
+                           const QString &path)
 {
-    // Writing over a suite that could not be read would lose what companions keep there.
-    if (suite.status() != QSettings::NoError)
-        return Error{u"cannot read the shared suite \""_s + suite.fileName() + u'"'};
-    SettingsStore store(suite);
-    exportToSharedSuite(globalSequence, store);
-    if (!store.sync())
-        return Error{u"cannot write the shared suite \""_s + suite.fileName() + u'"'};
+    const QString file = path.isEmpty() ? suitekeys::suitePath() : path;
+    QSaveFile suite(file);
+    if (!QDir().mkpath(QFileInfo(file).path()) || !suite.open(QIODevice::WriteOnly))
+        return Error{u"cannot write the shared suite "_s + file + u": "_s + suite.errorString()};
+    suite.write(suiteJson(globalSequence, now));
+    if (!suite.commit())
+        return Error{u"cannot write the shared suite "_s + file + u": "_s + suite.errorString()};
     return {};
-}
-
-Status exportToSharedSuite(const GlobalSequence &globalSequence)
-{
-    const std::unique_ptr<QSettings> suite = SettingsStore::openSuite(suitekeys::suite.toString());
-    return exportToSharedSuite(globalSequence, *suite);
 }
 
 } // namespace eventtimer

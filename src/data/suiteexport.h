@@ -1,32 +1,18 @@
 #pragma once
 
-#include "data/keyvaluestore.h"
+#include "data/suiteformat.h"
 #include "model/globalsequence.h"
 #include "model/result.h"
 
+#include <QDateTime>
 #include <QList>
-#include <QSettings>
 #include <QStringList>
-#include <QStringView>
-
-#include <memory>
 
 namespace eventtimer {
 
-// The suite that companion programs of the application group read, and the keys written there.
-namespace suitekeys {
-inline constexpr QStringView suite = u"tolmerkvarn.eventtimer";
-inline constexpr QStringView times = u"varn_global_events_times";
-inline constexpr QStringView sequence = u"varn_global_events_sequence";
-inline constexpr QStringView sections = u"varn_global_events_sections";
-inline constexpr QStringView chatLinks = u"varn_global_events_chatlinks";
-} // namespace suitekeys
-
-// The day's chat-link occurrences as four parallel arrays in ascending order of their keys:
-// index i of each describes the same occurrence.
+// The day's chat-link occurrences as four parallel arrays in ascending order of their keys.
 struct SuiteArrays
 {
-    // Start in seconds of the day, with the +1 steps of taken keys.
     QList<qint64> times;
     QStringList sequence;
     QStringList sections;
@@ -35,16 +21,15 @@ struct SuiteArrays
 
 SuiteArrays suiteArrays(const GlobalSequence &globalSequence);
 
-// Writes the four arrays into suite, each replacing its earlier value, in the order times,
-// sequence, sections, chat links. A reader between two writes may see arrays of different
-// lengths; the fixed order is all it can rely on. Nothing else is written or removed.
-void exportToSharedSuite(const GlobalSequence &globalSequence, KeyValueStore &suite);
+// The suite's text: the four arrays in the order the specification writes them (times,
+// sequence, sections, chat links), one member per line, then the UTC start of now's day on the
+// time axis and now itself.
+QByteArray suiteJson(const GlobalSequence &globalSequence, const QDateTime &now);
 
-// The same into suite, then puts it on disk. Writes nothing when the suite could not be read,
-// and fails when it cannot be written; the timetable does not depend on either.
-Status exportToSharedSuite(const GlobalSequence &globalSequence, QSettings &suite);
-
-// The same into the user's suite "tolmerkvarn.eventtimer" (SettingsStore::openSuite).
-Status exportToSharedSuite(const GlobalSequence &globalSequence);
+// Replaces the suite file at path (the user's, when empty) at once: a reader sees the old
+// suite or the new one, never a part. Fails with the reason; the timetable does not depend
+// on it.
+Status exportToSharedSuite(const GlobalSequence &globalSequence, const QDateTime &now,
+                           const QString &path = {});
 
 } // namespace eventtimer

@@ -21,6 +21,14 @@ bool isLoopbackHost(const QString &host)
     return !address.isNull() && address.isLoopback();
 }
 
+QString bodyTooLarge(const UrlLoader::Limits &limits)
+{
+    const qint64 mib = limits.maxBodyBytes / (1024 * 1024);
+    return u"body larger than "_s + (mib > 0 && mib * 1024 * 1024 == limits.maxBodyBytes
+                                         ? QString::number(mib) + u" MiB"_s
+                                         : QString::number(limits.maxBodyBytes) + u" bytes"_s);
+}
+
 // One reply in flight: collects its body, enforces the limits, and settles once.
 class Transfer
 {
@@ -49,12 +57,12 @@ public:
         QObject::connect(reply, &QNetworkReply::metaDataChanged, context, [this, reply, limits] {
             const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
             if (length.isValid() && length.toLongLong() > limits.maxBodyBytes)
-                fail(u"the body is larger than the limit"_s);
+                fail(bodyTooLarge(limits));
         });
         QObject::connect(reply, &QNetworkReply::readyRead, context, [this, reply, limits] {
             m_body += reply->readAll();
             if (m_body.size() > limits.maxBodyBytes)
-                fail(u"the body is larger than the limit"_s);
+                fail(bodyTooLarge(limits));
         });
         QObject::connect(reply, &QNetworkReply::finished, context, [this, reply] {
             if (m_done)
@@ -138,8 +146,12 @@ Result<QByteArray> UrlLoader::read(const QUrl &url)
     return readAll({url}, 1).first();
 }
 
-QList<Result<QByteArray>> UrlLoader::readAll(const QList<QUrl> &urls, int concurrency)
+QList<Result<QByteArray>> UrlLoader::readAll(const QList<QUrl> &urls, int concurrency,
+                                             qint64 maxBodyBytes)
 {
+    Limits limits = m_limits;
+    if (maxBodyBytes > 0)
+        limits.maxBodyBytes = std::min(maxBodyBytes, m_limits.maxBodyBytes);
     QObject context;
     QEventLoop loop;
     std::vector<std::unique_ptr<Transfer>> transfers;
@@ -157,7 +169,7 @@ QList<Result<QByteArray>> UrlLoader::readAll(const QList<QUrl> &urls, int concur
         while (started < urls.size() && running() < slots) {
             const auto manager = static_cast<size_t>(started % slots / connectionsPerManager);
             transfers.push_back(
-                std::make_unique<Transfer>(network(manager), urls.at(started), m_limits, &context));
+                std::make_unique<Transfer>(network(manager), urls.at(started), limits, &context));
             ++started;
         }
     };

@@ -32,10 +32,12 @@ public:
     ~UrlLoader();
 
     Result<QByteArray> read(const QUrl &url);
-    // Reads several URLs at once, at most `concurrency` at a time; results in the order given.
-    // Over HTTP/1.1 one network manager keeps at most six connections to a host, so reads are
+    // Reads several URLs at once, at most `concurrency` at a time, each body at most
+    // maxBodyBytes (the loader's own limit when that is 0); results in the order given. Over
+    // HTTP/1.1 one network manager keeps at most six connections to a host, so reads are
     // spread over as many managers as the concurrency needs.
-    QList<Result<QByteArray>> readAll(const QList<QUrl> &urls, int concurrency);
+    QList<Result<QByteArray>> readAll(const QList<QUrl> &urls, int concurrency,
+                                      qint64 maxBodyBytes = 0);
 
     // Whether the loader will talk to this address at all.
     static Result<void> checkAddress(const QUrl &url);

@@ -71,10 +71,16 @@ Result<std::shared_ptr<Section>> parseSection(const QJsonObject &record,
     for (const QJsonObject &segment : std::as_const(records))
         section->events.append(parseEvent(segment, section->name, nullptr));
 
-    const Status expanded =
-        expandSchedule(*section, skippedSegments, partial.value(), pattern.value(), context.day);
+    const Status expanded = expandSchedule(*section, skippedSegments, partial.value(),
+                                           pattern.value(), context.day, context.budget);
     if (!expanded)
         return reasonOf(expanded, where);
+    if (context.budget) {
+        if (context.budget->occurrences + section->sequence.size() > maxOccurrencesPerDocument)
+            return Error{where + u": the document would hold more than "_s +
+                         QString::number(maxOccurrencesPerDocument) + u" occurrences"_s};
+        context.budget->occurrences += section->sequence.size();
+    }
     // A record that is left out asks for no icon, so that it costs no download.
     if (context.icons) {
         for (qsizetype i = 0; i < records.size(); ++i)
@@ -101,10 +107,14 @@ QString SkippedSection::line() const
 
 ParsedDocument parseDocument(const QJsonArray &document, const ParseContext &context)
 {
+    DocumentBudget budget;
+    ParseContext bounded = context;
+    if (!bounded.budget)
+        bounded.budget = &budget;
     ParsedDocument parsed;
     parsed.sections.reserve(document.size());
     for (qsizetype i = 0; i < document.size(); ++i) {
-        const Status status = appendSection(document.at(i), parsed.sections, context);
+        const Status status = appendSection(document.at(i), parsed.sections, bounded);
         if (!status)
             parsed.skipped.append({i + 1, status.error()});
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/expansion.h"
 #include "model/result.h"
 #include "model/scheduleday.h"
 #include "model/section.h"
@@ -18,6 +19,8 @@ struct ParseContext
 {
     ScheduleDay day;
     IconLookup *icons = nullptr;
+    // The document's bounds, shared by its sections (parseDocument makes one).
+    DocumentBudget *budget = nullptr;
 };
 
 // One section record: its events in segment-key order and its day of occurrences. Fails with
@@ -47,6 +50,7 @@ struct ParsedDocument
 };
 
 // Every element of the top-level array in order; invalid records are skipped, the rest kept.
+// A section that would take the document past its bounds is skipped too.
 ParsedDocument parseDocument(const QJsonArray &document, const ParseContext &context);
 
 } // namespace eventtimer

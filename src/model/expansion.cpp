@@ -81,13 +81,17 @@ Status applyEntry(const CheckedEntry &entry, double &nextStart, Section &section
 // meets the same entries, so each is read from the document once and kept in checked.
 Status expandList(QStringView name, const QJsonArray &entries, double &nextStart,
                   qint64 skippedSegments, Section &section, const ScheduleDay &day,
-                  qint64 &entriesRead, std::vector<std::optional<CheckedEntry>> &checked)
+                  qint64 &entriesRead, DocumentBudget *budget,
+                  std::vector<std::optional<CheckedEntry>> &checked)
 {
     checked.resize(static_cast<size_t>(entries.size()));
     for (qsizetype i = 0; i < entries.size() && nextStart < day.end(); ++i) {
         if (++entriesRead > maxScheduleEntriesPerDay)
             return Error{u"the schedule needs more than "_s +
                          QString::number(maxScheduleEntriesPerDay) + u" entries to fill the day"_s};
+        if (budget && ++budget->entriesRead > maxScheduleEntriesPerDocument)
+            return Error{u"the document's schedules need more than "_s +
+                         QString::number(maxScheduleEntriesPerDocument) + u" entries in all"_s};
         std::optional<CheckedEntry> &entry = checked[static_cast<size_t>(i)];
         if (!entry) {
             Result<CheckedEntry> read = checkEntry(entries.at(i), skippedSegments, section);
@@ -104,14 +108,14 @@ Status expandList(QStringView name, const QJsonArray &entries, double &nextStart
 } // namespace
 
 Status expandSchedule(Section &section, qint64 skippedSegments, const QJsonArray &partial,
-                      const QJsonArray &pattern, const ScheduleDay &day)
+                      const QJsonArray &pattern, const ScheduleDay &day, DocumentBudget *budget)
 {
     double nextStart = day.start();
     qint64 entriesRead = 0;
     std::vector<std::optional<CheckedEntry>> checked;
 
     if (Status status = expandList(u"partial", partial, nextStart, skippedSegments, section, day,
-                                   entriesRead, checked);
+                                   entriesRead, budget, checked);
         !status)
         return status;
 
@@ -121,7 +125,7 @@ Status expandSchedule(Section &section, qint64 skippedSegments, const QJsonArray
             return Error{u"\"pattern\" is empty, so the day never fills"_s};
         const double passStart = nextStart;
         if (Status status = expandList(u"pattern", pattern, nextStart, skippedSegments, section,
-                                       day, entriesRead, checked);
+                                       day, entriesRead, budget, checked);
             !status)
             return status;
         // Every pass reads the same entries, so a pass that ends where it began (or earlier)

@@ -177,7 +177,7 @@ void ViewController::buildTimetable()
     buildTimeline();
     sizeContents();
     if (m_exportToSharedSuite)
-        m_exportToSharedSuite(m_globalSequence);
+        m_exportToSharedSuite(m_globalSequence, m_builtAt);
     updateCurrentTime();
 }
 
@@ -211,7 +211,8 @@ void ViewController::startTimer()
 
 void ViewController::layOutSections()
 {
-    m_geometry = TimetableLayout::build(m_sections, m_clock.zone(), m_clock.now(),
+    m_builtAt = m_clock.now();
+    m_geometry = TimetableLayout::build(m_sections, m_clock.zone(), m_builtAt,
                                         [this](const QString &name) { return labelHeight(name); });
     // The sections in their list order, whatever the grouping on screen.
     m_globalSequence = eventtimer::globalSequence(m_sections, m_clock.zone());

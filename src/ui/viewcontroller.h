@@ -31,7 +31,8 @@ class ViewController : public QObject
 
 public:
     using SectionSource = std::function<SectionList()>;
-    using SuiteExporter = std::function<void(const GlobalSequence &)>;
+    // Publishes the day's chat-link occurrences, as of the moment the timetable was built.
+    using SuiteExporter = std::function<void(const GlobalSequence &, const QDateTime &now)>;
 
     static constexpr std::chrono::milliseconds timeUpdateInterval{60000};
     // How long the clipboard message shows after each copy.
@@ -115,6 +116,7 @@ private:
     QPointer<QLabel> m_timeLabel;
     QList<QLabel *> m_sectionLabels;
     TimetableGeometry m_geometry;
+    QDateTime m_builtAt;
     bool m_built = false;
 };
 

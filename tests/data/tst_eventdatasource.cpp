@@ -1,3 +1,4 @@
+#include "data/cachefolder.h"
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
@@ -28,11 +29,17 @@ const QString connectionError = u"[ERROR] There is an unspecified error with the
 const QString parseError = u"[ERROR] An error has happened with parsing of json data"_s;
 const QString jsonOk = u"[JSON] OK!"_s;
 
-// What is stored before a start, and what the start says, shows and asks for.
+QByteArray dateText(const QDateTime &date)
+{
+    return date.toUTC().toString(Qt::ISODateWithMs).toLatin1();
+}
+
+// What the cache holds before a start (the document's and the date's files), and what the
+// start says, shows and asks for.
 struct Load
 {
-    QVariant bytes;
-    QVariant date;
+    std::optional<QByteArray> bytes;
+    std::optional<QByteArray> date;
     QStringList lines;
     qsizetype sections = 0;
     int requests = 0;
@@ -52,35 +59,51 @@ private:
     {
         QString output;
         QTextStream out(&output);
+        QTextStream err(&m_errors);
+        const SettingsStore settings(*m_settings, err);
+        CacheFolder cache(m_cachePath, err);
         UrlLoader loader({std::chrono::milliseconds(2000), 1024 * 1024});
-        EventDataSource source(*m_store, loader, *m_clock, out);
+        EventDataSource source(settings, cache, loader, *m_clock, out, err);
         m_sections = source.loadSections();
         return output.split(u'\n', Qt::SkipEmptyParts);
     }
 
-    QVariant stored(QStringView key) const { return m_store->value(key.toString()); }
+    std::optional<QByteArray> kept(QStringView file) const
+    {
+        QString err;
+        QTextStream errors(&err);
+        return CacheFolder(m_cachePath, errors).read(file.toString(), 1 << 20);
+    }
+    void keep(QStringView file, const std::optional<QByteArray> &bytes)
+    {
+        QString err;
+        QTextStream errors(&err);
+        if (bytes)
+            CacheFolder(m_cachePath, errors).write(file.toString(), *bytes);
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_cachePath;
+    QString m_errors;
     std::unique_ptr<QSettings> m_settings;
-    std::unique_ptr<SettingsStore> m_store;
     std::unique_ptr<EventService> m_service;
     std::unique_ptr<ManualClock> m_clock;
     SectionList m_sections;
 
 private Q_SLOTS:
-
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        m_settings = std::make_unique<QSettings>(m_folder->filePath(u"eventtimer.conf"_s),
-                                                 SettingsStore::format());
-        m_store = std::make_unique<SettingsStore>(*m_settings);
+        m_cachePath = m_folder->filePath(u"cache"_s);
+        m_errors.clear();
         m_service = std::make_unique<EventService>();
         QVERIFY(m_service->listen());
         m_service->setDocument(goodDocument);
         // The address of the service's root, with a slash at the end as users write it.
-        m_store->setValue(settingskeys::serviceUrl.toString(),
-                          m_service->baseUrl().toString() + u'/');
+        m_settings = std::make_unique<QSettings>(m_folder->filePath(u"eventtimer.conf"_s),
+                                                 QSettings::IniFormat);
+        m_settings->setValue(settingskeys::serviceUrl.toString(),
+                             m_service->baseUrl().toString() + u'/');
         m_clock = std::make_unique<ManualClock>(noon, QTimeZone::utc());
     }
 
@@ -88,7 +111,6 @@ private Q_SLOTS:
     {
         m_sections.clear();
         m_service.reset();
-        m_store.reset();
         m_settings.reset();
         m_folder.reset();
     }
@@ -97,10 +119,10 @@ private Q_SLOTS:
     {
         QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
         QCOMPARE(m_sections.size(), 2);
-        // Both keys are on disk, as the next process reads them.
-        QSettings reread(m_settings->fileName(), SettingsStore::format());
-        QCOMPARE(reread.value(settingskeys::documentBytes.toString()).toByteArray(), goodDocument);
-        QCOMPARE(reread.value(settingskeys::documentDate.toString()).toDateTime(), noon);
+        // Both files are kept, as the next start reads them.
+        QCOMPARE(kept(EventDataSource::documentFile), goodDocument);
+        QCOMPARE(kept(EventDataSource::dateFile), dateText(noon));
+        QVERIFY(m_errors.isEmpty());
 
         m_service->setDocument("[]");
         m_clock->setNow(noon.addDays(6));
@@ -112,27 +134,25 @@ private Q_SLOTS:
     void loads_data()
     {
         QTest::addColumn<Load>("load");
-        const QVariant cached("[]"_ba);
+        const QByteArray cached = "[]";
         const QStringList downloaded{connectionOk, jsonOk};
         QTest::newRow("604799.9 s old: the copy")
-            << Load{cached, noon.addMSecs(-604799900), {jsonOk}, 0};
+            << Load{cached, dateText(noon.addMSecs(-604799900)), {jsonOk}};
         QTest::newRow("604800.0 s old: download")
-            << Load{cached, noon.addSecs(-604800), downloaded, 2, 1};
+            << Load{cached, dateText(noon.addSecs(-604800)), downloaded, 2, 1};
         QTest::newRow("a date in the future is fresh")
-            << Load{cached, noon.addDays(30), {jsonOk}, 0};
-        QTest::newRow("bytes without a date: used for ever") << Load{cached, {}, {jsonOk}, 0};
-        QTest::newRow("a date that is no date counts as none") << Load{cached, u"x"_s, {jsonOk}, 0};
-        QTest::newRow("a date without bytes downloads") << Load{{}, noon, downloaded, 2, 1};
-        QTest::newRow("bytes that are no data download") << Load{u"[]"_s, noon, downloaded, 2, 1};
-        // A failed read shows nothing, not even an old copy, and keeps that for the next try.
-        QTest::newRow("8 days old, nobody listening")
-            << Load{goodDocument, noon.addDays(-8), {connectionError}, 0, 0, true};
+            << Load{cached, dateText(noon.addDays(30)), {jsonOk}};
+        QTest::newRow("bytes without a date: used for ever") << Load{cached, {}, {jsonOk}};
+        QTest::newRow("a date that is no date counts as none")
+            << Load{cached, "yesterday", {jsonOk}};
+        QTest::newRow("a date without bytes downloads")
+            << Load{{}, dateText(noon), downloaded, 2, 1};
         QTest::newRow("records left out are said, one line each")
             << Load{{},
                     {},
                     {connectionOk, jsonOk,
-                     u"[ERROR] Skipped section 1: \"Harbour\": \"pattern\" is empty, so the day "
-                     u"never fills"_s,
+                     u"[ERROR] Skipped section 1: \"Harbour\": \"pattern\" is empty, so the "
+                     u"day never fills"_s,
                      u"[ERROR] Skipped section 3: not an object (found 5)"_s},
                     1,
                     1,
@@ -142,15 +162,18 @@ private Q_SLOTS:
                          "sequences": {"partial": [], "pattern": []}},
                         {"category": "C", "name": "Kept", "segments": {"0": {"name": "A"}},
                          "sequences": {"partial": [], "pattern": [{"d": 1440, "r": 0}]}}, 5])"};
-        QTest::newRow("nothing stored, HTTP 404")
+        // A failed read shows nothing, not even an old copy, and keeps that for the next try.
+        QTest::newRow("8 days old, nobody listening")
+            << Load{goodDocument, dateText(noon.addDays(-8)), {connectionError}, 0, 0, true};
+        QTest::newRow("nothing kept, HTTP 404")
             << Load{{}, {}, {connectionError}, 0, 1, false, {.status = 404}};
     }
 
     void loads()
     {
         QFETCH(Load, load);
-        m_store->setValue(settingskeys::documentBytes.toString(), load.bytes);
-        m_store->setValue(settingskeys::documentDate.toString(), load.date);
+        keep(EventDataSource::documentFile, load.bytes);
+        keep(EventDataSource::dateFile, load.date);
         m_service->setBehaviour(EventService::documentPath.toString(), load.behaviour);
         m_service->setDocument(load.document);
         if (load.serviceDown)
@@ -160,21 +183,31 @@ private Q_SLOTS:
         if (!load.serviceDown)
             QCOMPARE(m_service->totalRequests(), load.requests);
         if (load.lines.first() == connectionError) {
-            QCOMPARE(stored(settingskeys::documentBytes), load.bytes);
-            QCOMPARE(stored(settingskeys::documentDate), load.date);
+            QCOMPARE(kept(EventDataSource::documentFile), load.bytes);
+            QCOMPARE(kept(EventDataSource::dateFile), load.date);
         }
+    }
+
+    void aCacheThatCannotBeWrittenOrReadCostsOnlyItsCopy()
+    {
+        // The document's file is a folder: it counts as absent, and nothing can be kept.
+        QVERIFY(QDir().mkpath(m_cachePath + u'/' + EventDataSource::documentFile.toString()));
+        QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
+        QCOMPARE(m_sections.size(), 2);
+        QCOMPARE(m_errors.count(u'\n'), 1);
+        QVERIFY(!kept(EventDataSource::dateFile));
     }
 
     void nonJsonBodyIsStoredAndFailsEveryRun()
     {
         m_service->setDocument("<html>maintenance</html>");
         QCOMPARE(load(), (QStringList{connectionOk, parseError}));
-        QCOMPARE(stored(settingskeys::documentBytes).toByteArray(), "<html>maintenance</html>"_ba);
+        QCOMPARE(kept(EventDataSource::documentFile), "<html>maintenance</html>"_ba);
         QCOMPARE(load(), QStringList{parseError});
         QCOMPARE(m_service->totalRequests(), 1);
 
         // A top-level value that is not an array is no event document either.
-        m_store->remove(settingskeys::documentBytes.toString());
+        QFile::remove(m_cachePath + u'/' + EventDataSource::documentFile.toString());
         m_service->setDocument(R"({"sections": []})");
         QCOMPARE(load(), (QStringList{connectionOk, parseError}));
     }

@@ -1,5 +1,5 @@
+#include "data/cachefolder.h"
 #include "data/iconcache.h"
-#include "data/memorystore.h"
 #include "data/urlloader.h"
 #include "eventservice/eventservice.h"
 #include "testimages.h"
@@ -17,51 +17,44 @@ class TestIconCache : public QObject
 
 private Q_SLOTS:
 
-    void storedValues_data()
+    void keptFilesAreNeverReplaced()
     {
-        QTest::addColumn<QVariant>("stored");
-        QTest::addColumn<bool>("icon");
-        QTest::addColumn<bool>("has");
-
-        QTest::newRow("nothing") << QVariant() << false << false;
-        QTest::newRow("bytes that are no image: kept, no icon")
-            << QVariant("junk"_ba) << false << true;
-        QTest::newRow("not bytes at all: kept, no icon") << QVariant(42) << false << true;
-    }
-
-    void storedValues()
-    {
-        QFETCH(QVariant, stored);
-        QFETCH(bool, icon);
-        QFETCH(bool, has);
-
-        MemoryStore store;
-        store.setValue(u"X_1"_s, stored);
-        IconCache cache(store);
-        // Two URLs that differ before their key share what is stored under it.
+        // Two URLs that differ before their key share what is kept under it; a file that does
+        // not decode gives no icon and is not fetched again.
+        QTemporaryDir folder;
+        QString err;
+        QTextStream errors(&err);
+        CacheFolder cache(folder.path(), errors);
+        QVERIFY(cache.write(IconCache::fileName(u"X_1"_s), "junk"));
+        IconCache icons(cache, errors);
         for (const QString &url : {u"https://a.test/a/X/1.png"_s, u"https://b.test/b/X/1.png"_s}) {
-            QCOMPARE(cache.icon(url).has_value(), icon);
-            QCOMPARE(cache.has(url), has);
+            QVERIFY(!icons.icon(url));
+            QVERIFY(icons.has(url));
         }
-        QCOMPARE(store.value(u"X_1"_s), stored);
+        UrlLoader loader;
+        QVERIFY(icons.fetchMissing({u"https://a.test/a/X/1.png"_s}, loader, 4).isEmpty());
+        QCOMPARE(cache.read(IconCache::fileName(u"X_1"_s), 10), std::optional("junk"_ba));
     }
 
     void fetchesEachKeyFromItsFirstWorkingUrl()
     {
-        QTemporaryDir folder;
+        QTemporaryDir served;
         for (const QString &path : {u"/b/X/1.png"_s, u"/c/X/1.png"_s, u"/d/Y/2.png"_s}) {
-            QVERIFY(QDir(folder.path()).mkpath(QFileInfo(folder.path() + path).path()));
-            QFile file(folder.path() + path);
+            QVERIFY(QDir(served.path()).mkpath(QFileInfo(served.path() + path).path()));
+            QFile file(served.path() + path);
             QVERIFY(file.open(QIODevice::WriteOnly));
             file.write(pngBytes(path.startsWith(u"/d"_s) ? Qt::blue : Qt::red));
         }
         EventService service;
-        service.setFilesFolder(folder.path());
+        service.setFilesFolder(served.path());
         QVERIFY(service.listen());
         const QString base = service.baseUrl().toString();
-        MemoryStore store;
-        store.setValue(u"Z_3"_s, "kept"_ba);
-        IconCache cache(store);
+        QTemporaryDir kept;
+        QString err;
+        QTextStream errors(&err);
+        CacheFolder folder(kept.path(), errors);
+        folder.write(IconCache::fileName(u"Z_3"_s), "kept");
+        IconCache cache(folder, errors);
         UrlLoader loader;
 
         // /a fails, so X is tried with /b, the next URL asked for it; /c is never needed; Z is
@@ -76,8 +69,11 @@ private Q_SLOTS:
         QCOMPARE(service.requestCount(u"/a/X/1.png"_s), 1);
         QCOMPARE(cache.icon(asked.at(3))->pixelColor(0, 0), QColor(Qt::red));
 
-        // A later start finds them stored.
-        IconCache later(store);
+        // The one that failed is said; a later start finds the others kept, as sent.
+        QVERIFY(err.startsWith(u"eventtimer: no icon from "_s + asked.at(0) + u": "_s));
+        QCOMPARE(folder.read(IconCache::fileName(u"Y_2"_s), 1000),
+                 std::optional(pngBytes(Qt::blue)));
+        IconCache later(folder, errors);
         QCOMPARE(later.icon(asked.at(5))->pixelColor(0, 0), QColor(Qt::blue));
         QVERIFY(later.fetchMissing(asked, loader, 4).isEmpty());
         QCOMPARE(service.totalRequests(), 3);

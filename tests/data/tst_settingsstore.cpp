@@ -1,10 +1,10 @@
+#include "data/cachefolder.h"
 #include "data/settingsstore.h"
+#include "data/suiteformat.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimeZone>
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
@@ -14,52 +14,61 @@ class TestSettingsStore : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-
-    void valuesSurviveARestart_data()
+    void filesLiveWhereTheDesktopSays()
     {
-        QTest::addColumn<QByteArray>("fileBefore");
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QString>("serviceUrl");
-
-        QByteArray binary(70000, '\0');
-        for (qsizetype i = 0; i < binary.size(); ++i)
-            binary[i] = static_cast<char>(i * 31);
-        const QByteArray handWritten = "[General]\nevent_service_url=http://127.0.0.1:8123\n";
-        QTest::newRow("binary data") << QByteArray() << QVariant(binary) << QString();
-        QTest::newRow("a date to the millisecond")
-            << QByteArray()
-            << QVariant(QDateTime(QDate(2026, 11, 22), QTime(9, 8, 7, 654), QTimeZone::utc()))
-            << QString();
-        QTest::newRow("into a file written by hand")
-            << handWritten << QVariant(u"ü"_s) << u"http://127.0.0.1:8123"_s;
-        QTest::newRow("over a damaged store")
-            << "eventtimer settings 1\n\x01\x02garbage"_ba << QVariant(u"x"_s) << QString();
+        QTemporaryDir home;
+        qputenv("XDG_CONFIG_HOME", home.filePath(u"config"_s).toUtf8());
+        qputenv("XDG_CACHE_HOME", home.filePath(u"cache"_s).toUtf8());
+        qputenv("XDG_DATA_HOME", home.filePath(u"data"_s).toUtf8());
+        QCOMPARE(SettingsStore::openStandard()->fileName(),
+                 home.filePath(u"config/tolmerkvarn/eventtimer.conf"_s));
+        QCOMPARE(CacheFolder::standardPath(), home.filePath(u"cache/tolmerkvarn/eventtimer"_s));
+        QCOMPARE(suitekeys::suitePath(),
+                 home.filePath(u"data/tolmerkvarn.eventtimer/suite.json"_s));
     }
 
-    void valuesSurviveARestart()
+    void handEditsSurviveAndDamageIsLeftAlone_data()
     {
-        QFETCH(QByteArray, fileBefore);
-        QFETCH(QVariant, value);
-        QFETCH(QString, serviceUrl);
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QStringList>("after"); // lines the file holds afterwards
+        QTest::addColumn<bool>("damaged");
+
+        QTest::newRow("no file yet") << QByteArray() << QStringList{u"key=new"_s} << false;
+        QTest::newRow("written by hand")
+            << "[General]\nevent_service_url=http://127.0.0.1:8123\n"_ba
+            << QStringList{u"event_service_url=http://127.0.0.1:8123"_s, u"key=new"_s} << false;
+        QTest::newRow("damaged") << "[General\nkey=old\n"_ba
+                                 << QStringList{u"[General"_s, u"key=old"_s} << true;
+    }
+
+    void handEditsSurviveAndDamageIsLeftAlone()
+    {
+        QFETCH(QByteArray, before);
+        QFETCH(QStringList, after);
+        QFETCH(bool, damaged);
 
         QTemporaryDir folder;
-        const QString path = folder.filePath(u"store.conf"_s);
-        if (!fileBefore.isEmpty()) {
+        const QString path = folder.filePath(u"eventtimer.conf"_s);
+        if (!before.isEmpty()) {
             QFile file(path);
             QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(fileBefore);
+            file.write(before);
         }
+        QString err;
+        QTextStream errors(&err);
         {
-            QSettings settings(path, SettingsStore::format());
-            SettingsStore store(settings);
-            store.setValue(u"key"_s, value);
-            QVERIFY(store.sync());
+            QSettings file(path, QSettings::IniFormat);
+            SettingsStore settings(file, errors);
+            QCOMPARE(settings.isDamaged(), damaged);
+            settings.setValue(u"key", u"new"_s);
+            QCOMPARE(settings.sync().ok(), !damaged);
         }
-        QSettings settings(path, SettingsStore::format());
-        const QVariant read = SettingsStore(settings).value(u"key"_s);
-        QCOMPARE(read.typeId(), value.typeId());
-        QCOMPARE(read, value);
-        QCOMPARE(settings.value(u"event_service_url"_s).toString(), serviceUrl);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        for (const QString &line : after)
+            QVERIFY2(text.contains(line + u'\n'), qPrintable(text));
+        QCOMPARE(err.count(u'\n'), damaged ? 1 : 0);
     }
 };
 

@@ -1,4 +1,3 @@
-#include "data/settingsstore.h"
 #include "data/suiteexport.h"
 
 #include <QDir>
@@ -16,33 +15,17 @@ GlobalSequence twoAtOne()
 {
     GlobalSequence sequence;
     for (const auto &[name, section] :
-         {std::pair{u"Pearl Dive"_s, u"Lagoon"_s}, std::pair{u"Ferry"_s, u"Pier"_s}}) {
+         {std::pair{u"Pearl Dive"_s, u"Lagoon"_s}, std::pair{u"Ferry \"2\""_s, u"Pier"_s}}) {
         auto event = std::make_shared<Event>();
         event->name = name;
         event->section = section;
-        event->chatLink = u"[&"_s + name + u']';
+        event->chatLink = u"[&"_s + section + u']';
         registerEvent(sequence, 3600, event);
     }
     return sequence;
 }
 
-// Notes every access to the suite, in order.
-class RecordingStore final : public KeyValueStore
-{
-public:
-    QVariant value(const QString &key) const override
-    {
-        accesses.append(u"read "_s + key);
-        return {};
-    }
-    void setValue(const QString &key, const QVariant &) override
-    {
-        accesses.append(u"write "_s + key);
-    }
-    void remove(const QString &key) override { accesses.append(u"remove "_s + key); }
-
-    mutable QStringList accesses;
-};
+const QDateTime now(QDate(2026, 11, 22), QTime(23, 30), QTimeZone(7200));
 
 } // namespace
 
@@ -50,91 +33,48 @@ class TestSuiteExport : public QObject
 {
     Q_OBJECT
 
-private:
-    QTemporaryDir m_home;
-
 private Q_SLOTS:
-
-    void initTestCase()
+    void theSuiteAsAReaderFindsIt()
     {
-        // Before the first QSettings of this process: Qt takes the folder once.
-        qputenv("XDG_CONFIG_HOME", m_home.path().toUtf8());
-    }
+        // The arrays in the order they are written, then the axis's UTC day (21:30 UTC is still
+        // the 22nd) and the moment.
+        QCOMPARE(suiteJson(twoAtOne(), now),
+                 "{\n"
+                 "    \"varn_global_events_times\": [3600,3601],\n"
+                 "    \"varn_global_events_sequence\": [\"Pearl Dive\",\"Ferry \\\"2\\\"\"],\n"
+                 "    \"varn_global_events_sections\": [\"Lagoon\",\"Pier\"],\n"
+                 "    \"varn_global_events_chatlinks\": [\"[&Lagoon]\",\"[&Pier]\"],\n"
+                 "    \"axis_day_start\": \"2026-11-22T00:00:00Z\",\n"
+                 "    \"written_at\": \"2026-11-22T21:30:00Z\"\n"
+                 "}\n"_ba);
 
-    void writesFourParallelArraysInOrder()
-    {
-        QVERIFY(exportToSharedSuite(twoAtOne()).ok());
-        // Read from disk by another reader, the times as integers.
-        const QSettings suite(m_home.filePath(u"tolmerkvarn.eventtimer.conf"_s),
-                              SettingsStore::format());
-        const QVariantList times = suite.value(suitekeys::times.toString()).toList();
-        QCOMPARE(times, (QVariantList{qint64{3600}, qint64{3601}}));
-        QCOMPARE(times.first().typeId(), QMetaType::LongLong);
-        QCOMPARE(suite.value(suitekeys::sequence.toString()).toStringList(),
-                 (QStringList{u"Pearl Dive"_s, u"Ferry"_s}));
-        QCOMPARE(suite.value(suitekeys::sections.toString()).toStringList(),
-                 (QStringList{u"Lagoon"_s, u"Pier"_s}));
-        QCOMPARE(suite.value(suitekeys::chatLinks.toString()).toStringList(),
-                 (QStringList{u"[&Pearl Dive]"_s, u"[&Ferry]"_s}));
-
-        // A reader between two writes relies on their order alone; the suite is never read.
-        RecordingStore recording;
-        exportToSharedSuite(twoAtOne(), recording);
-        QCOMPARE(recording.accesses, (QStringList{u"write varn_global_events_times"_s,
-                                                  u"write varn_global_events_sequence"_s,
-                                                  u"write varn_global_events_sections"_s,
-                                                  u"write varn_global_events_chatlinks"_s}));
-    }
-
-    void replacesTheArraysAndKeepsTheRest()
-    {
-        QTemporaryDir folder;
-        const QString path = folder.filePath(u"suite.conf"_s);
+        QTemporaryDir home;
+        const QString path = home.filePath(u"tolmerkvarn.eventtimer/suite.json"_s);
+        QVERIFY(exportToSharedSuite(twoAtOne(), now, path).ok());
+        QVERIFY(exportToSharedSuite(GlobalSequence(), now, path).ok());
         QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[General]\nvarn_global_events_sequence=Old A, Old B, Old C\n"
-                   "\n[companion]\ntheme=dark\n");
-        file.close();
-        {
-            QSettings suite(path, SettingsStore::format());
-            QVERIFY(exportToSharedSuite(GlobalSequence(), suite).ok());
-        }
-        const QSettings suite(path, SettingsStore::format());
-        QCOMPARE(suite.value(suitekeys::sequence.toString()).toStringList(), QStringList());
-        QCOMPARE(suite.value(u"companion/theme"_s).toString(), u"dark"_s);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), suiteJson(GlobalSequence(), now));
+        QCOMPARE(QDir(QFileInfo(path).path()).entryList(QDir::Files), QStringList{u"suite.json"_s});
     }
 
-    void unusableSuiteIsLeftAlone_data()
+    void unusablePlacesFailWithTheReason_data()
     {
         QTest::addColumn<QString>("relativePath");
-
-        // The first two hold for root too, unlike a file without permissions.
-        QTest::newRow("its folder is a file") << u"file/suite.conf"_s;
+        // Both hold for root too, unlike a file without permissions.
+        QTest::newRow("its folder is a file") << u"file/suite.json"_s;
         QTest::newRow("the suite is a folder") << u"folder"_s;
-        // Rewriting it would keep only the four arrays and lose what companions wrote there.
-        QTest::newRow("a text suite that does not parse") << u"broken.conf"_s;
     }
 
-    void unusableSuiteIsLeftAlone()
+    void unusablePlacesFailWithTheReason()
     {
         QFETCH(QString, relativePath);
-
-        QTemporaryDir folder;
-        const QByteArray broken = "[companion\ntheme=dark\n";
-        for (const auto &[name, content] :
-             {std::pair{u"file"_s, QByteArray()}, std::pair{u"broken.conf"_s, broken}}) {
-            QFile file(folder.filePath(name));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(content);
-        }
-        QVERIFY(QDir(folder.path()).mkdir(u"folder"_s));
-
-        QSettings suite(folder.filePath(relativePath), SettingsStore::format());
-        const Status status = exportToSharedSuite(twoAtOne(), suite);
-        QVERIFY(status.error().contains(folder.filePath(relativePath)));
-        QFile file(folder.filePath(u"broken.conf"_s));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), broken);
+        QTemporaryDir home;
+        QFile file(home.filePath(u"file"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(QDir(home.path()).mkdir(u"folder"_s));
+        const Status status = exportToSharedSuite(twoAtOne(), now, home.filePath(relativePath));
+        QVERIFY(status.error().contains(home.filePath(relativePath)));
     }
 };
 

@@ -28,7 +28,10 @@ struct Window
     explicit Window(bool withSections)
         : controller(
               [this, withSections] { return withSections ? sampleSections(clock) : SectionList(); },
-              [this](const GlobalSequence &sequence) { exported.append(sequence); }, clock)
+              [this](const GlobalSequence &sequence, const QDateTime &) {
+                  exported.append(sequence);
+              },
+              clock)
     {
         controller.view()->resize(1200, 700);
         controller.viewDidLoad();

@@ -38,8 +38,8 @@ constexpr const char *help =
     "\n"
     "Options:\n"
     "  --json         write the same as indented JSON\n"
-    "  --export       write only the four arrays that the timetable publishes to the shared\n"
-    "                 suite for that day, as indented JSON (not with --json); skipped records\n"
+    "  --export       write only what the timetable of that day shares with companion\n"
+    "                 programs, as its suite file holds it (not with --json); skipped records\n"
     "                 go to standard error\n"
     "  --at DATETIME  check the day of DATETIME instead of today: ISO 8601, such as\n"
     "                 2026-11-22T12:00:00 (local time) or 2026-11-22T10:00:00Z\n"
@@ -311,36 +311,14 @@ void writeJson(QTextStream &out, const QList<Entry> &entries, const Day &day)
     out << QString::fromUtf8(QJsonDocument(report).toJson(QJsonDocument::Indented));
 }
 
-// The arrays in the order the suite is written, which QJsonObject would sort away: each
-// member is indented by Qt as the only member of an object, then the members are joined.
-void writeSuiteArrays(QTextStream &out, const SuiteArrays &arrays)
-{
-    QJsonArray times;
-    for (const qint64 time : arrays.times)
-        times.append(time);
-    const QList<std::pair<QStringView, QJsonArray>> members{
-        {suitekeys::times, times},
-        {suitekeys::sequence, QJsonArray::fromStringList(arrays.sequence)},
-        {suitekeys::sections, QJsonArray::fromStringList(arrays.sections)},
-        {suitekeys::chatLinks, QJsonArray::fromStringList(arrays.chatLinks)}};
-    QStringList lines;
-    for (const auto &[key, array] : members) {
-        const QString object = QString::fromUtf8(
-            QJsonDocument(QJsonObject{{key.toString(), array}}).toJson(QJsonDocument::Indented));
-        // Without the object's own "{\n" and "\n}\n".
-        lines.append(object.mid(2).chopped(3));
-    }
-    out << "{\n" << lines.join(u",\n"_s) << "\n}\n";
-}
-
 void writeExport(QTextStream &out, QTextStream &err, const ParsedDocument &parsed, const Day &day)
 {
     for (const SkippedSection &skipped : parsed.skipped)
         err << skipped.line() << '\n';
     err.flush();
     // The same road as the window's export: the day's chat-link occurrences of the sections in
-    // their list order, as arrays.
-    writeSuiteArrays(out, suiteArrays(globalSequence(parsed.sections, day.zone)));
+    // their list order, written as the suite file holds them.
+    out << QString::fromUtf8(suiteJson(globalSequence(parsed.sections, day.zone), day.now));
 }
 
 } // namespace

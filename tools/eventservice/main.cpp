@@ -56,7 +56,7 @@ int main(int argc, char *argv[])
     service.setDocumentFile(positional.first());
     if (parser.isSet(files))
         service.setFilesFolder(parser.value(files));
-    service.setBehaviour(u"*"_s, {delayMs, 200, false, 0});
+    service.setBehaviour(u"*"_s, {.delayMs = delayMs});
     if (!service.listen(static_cast<quint16>(portNumber))) {
         err << "eventtimer-eventservice: cannot listen on port " << portNumber << Qt::endl;
         return 1;

@@ -1,0 +1,85 @@
+#include "data/cachefolder.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace eventtimer {
+
+namespace {
+
+constexpr qsizetype longestReadableName = 120;
+
+} // namespace
+
+CacheFolder::CacheFolder(QString path, QTextStream &err)
+    : m_path(std::move(path))
+    , m_err(err)
+{}
+
+QString CacheFolder::standardPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +
+           u"/tolmerkvarn/eventtimer"_s;
+}
+
+std::optional<QByteArray> CacheFolder::read(const QString &name, qint64 maxBytes) const
+{
+    QFile file(m_path + u'/' + name);
+    if (!QFileInfo(file).isFile() || file.size() > maxBytes || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QByteArray bytes = file.read(maxBytes + 1);
+    if (file.error() != QFileDevice::NoError || bytes.size() > maxBytes)
+        return std::nullopt;
+    return bytes;
+}
+
+bool CacheFolder::contains(const QString &name) const
+{
+    return QFileInfo(m_path + u'/' + name).isFile();
+}
+
+bool CacheFolder::write(const QString &name, const QByteArray &bytes)
+{
+    const QString path = m_path + u'/' + name;
+    QString why;
+    if (!QDir().mkpath(QFileInfo(path).path())) {
+        why = u"cannot make the folder"_s;
+    } else {
+        QSaveFile file(path);
+        if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+            return true;
+        why = file.errorString();
+    }
+    if (!m_reported) {
+        m_reported = true;
+        m_err << "eventtimer: cannot keep downloads in " << m_path << " (" << why
+              << "); they are used for this start only" << Qt::endl;
+    }
+    return false;
+}
+
+QString CacheFolder::safeName(const QString &key)
+{
+    const QByteArray utf8 = key.toUtf8();
+    QString name;
+    for (const char byte : utf8) {
+        const auto c = static_cast<unsigned char>(byte);
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+        if (plain)
+            name += QLatin1Char(static_cast<char>(c));
+        else
+            name += u'%' + QString::number(c, 16).toUpper().rightJustified(2, u'0');
+        if (name.size() > longestReadableName)
+            return u'~' + QString::fromLatin1(
+                              QCryptographicHash::hash(utf8, QCryptographicHash::Sha256).toHex());
+    }
+    return name.isEmpty() ? u"%"_s : name;
+}
+
+} // namespace eventtimer
