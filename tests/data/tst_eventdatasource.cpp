@@ -7,6 +7,8 @@
 #include "testimages.h"
 
 #include <QSet>
+#include <QSslConfiguration>
+#include <QSslKey>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -196,6 +198,34 @@ private Q_SLOTS:
         QCOMPARE(m_sections.size(), 2);
         QCOMPARE(m_errors.count(u'\n'), 1);
         QVERIFY(!kept(EventDataSource::dateFile));
+    }
+
+    void certificatesAreVerified()
+    {
+        const auto fixture = [](const char *name) {
+            QFile file(QStringLiteral(EVENTTIMER_FIXTURES_DIR "/tls/") + QLatin1StringView(name));
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        m_service = std::make_unique<EventService>();
+        m_service->useTls(QSslCertificate(fixture("server.pem")),
+                          QSslKey(fixture("server.key"), QSsl::Ec));
+        QVERIFY(m_service->listen());
+        m_service->setDocument(goodDocument);
+        m_settings->setValue(settingskeys::serviceUrl.toString(), m_service->baseUrl().toString());
+
+        // A certificate nobody vouches for: nothing is read, nothing kept.
+        QCOMPARE(load(), QStringList{connectionError});
+        QVERIFY(!kept(EventDataSource::documentFile));
+
+        // Trusted the way the system's own authorities are, through the process's defaults.
+        const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+        QSslConfiguration trusting = before;
+        trusting.addCaCertificates(QSslCertificate::fromData(fixture("ca.pem")));
+        QSslConfiguration::setDefaultConfiguration(trusting);
+        const QStringList lines = load();
+        QSslConfiguration::setDefaultConfiguration(before);
+        QCOMPARE(lines, (QStringList{connectionOk, jsonOk}));
+        QCOMPARE(kept(EventDataSource::documentFile), goodDocument);
     }
 
     void nonJsonBodyIsStoredAndFailsEveryRun()

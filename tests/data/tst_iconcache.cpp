@@ -36,6 +36,31 @@ private Q_SLOTS:
         QCOMPARE(cache.read(IconCache::fileName(u"X_1"_s), 10), std::optional("junk"_ba));
     }
 
+    void boundsPerStart()
+    {
+        QTemporaryDir kept;
+        QString err;
+        QTextStream errors(&err);
+        CacheFolder folder(kept.path(), errors);
+        IconCache cache(folder, errors);
+        UrlLoader loader;
+        // 1001 new icons (at addresses refused without a request): the first 1000 are tried.
+        QStringList asked;
+        for (int i = 0; i <= IconCache::maxFetchedPerDocument; ++i)
+            asked.append(u"http://far.example.test/set/"_s + QString::number(i) + u"/1.png"_s);
+        QCOMPARE(cache.fetchMissing(asked, loader, 20).size(), IconCache::maxFetchedPerDocument);
+        QVERIFY(err.startsWith(u"eventtimer: the document asks for more than 1000 new icons"_s));
+
+        // An icon larger than 1 MiB is not taken.
+        EventService service;
+        QVERIFY(service.listen());
+        service.setBehaviour(u"*"_s, {.oversizeBytes = IconCache::maxIconBytes + 1});
+        err.clear();
+        QVERIFY(!cache.fetchMissing({service.baseUrl().toString() + u"/big/B/1.png"_s}, loader, 4)
+                     .value(service.baseUrl().toString() + u"/big/B/1.png"_s));
+        QVERIFY2(err.contains(u"body larger than 1 MiB"_s), qPrintable(err));
+    }
+
     void fetchesEachKeyFromItsFirstWorkingUrl()
     {
         QTemporaryDir served;

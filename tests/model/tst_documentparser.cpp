@@ -81,6 +81,39 @@ private Q_SLOTS:
         QCOMPARE(probe(segments, references), expected);
     }
 
+    void boundsOfTheWholeDocument_data()
+    {
+        QTest::addColumn<int>("reference"); // 0: occurrences, -1: pauses
+        QTest::addColumn<int>("kept");
+        QTest::addColumn<QString>("reason");
+
+        // A pass of 69 entries moves one minute: 99360 entries a day, each an occurrence or a
+        // pause. The third section would pass 200000 occurrences, the eleventh 1000000 entries.
+        QTest::newRow("occurrences") << 0 << 2
+                                     << u"\"S\": the document would hold more than 200000 "
+                                        u"occurrences"_s;
+        QTest::newRow("entries") << -1 << 10
+                                 << u"\"S\": the document's schedules need more than 1000000 "
+                                    u"entries in all"_s;
+    }
+
+    void boundsOfTheWholeDocument()
+    {
+        QFETCH(int, reference);
+        QFETCH(int, kept);
+        QFETCH(QString, reason);
+        const QByteArray entry = R"({"d": 0, "r": )" + QByteArray::number(reference) + "},";
+        const QByteArray section =
+            R"({"category": "C", "name": "S", "segments": {"0": {"name": "A"}},
+                "sequences": {"partial": [], "pattern": [)" +
+            entry.repeated(68) + R"({"d": 1, "r": )" + QByteArray::number(reference) + "}]}}";
+        const ParsedDocument parsed = parseDocument(
+            QJsonDocument::fromJson('[' + (section + ',').repeated(11) + section + ']').array(),
+            context);
+        QCOMPARE(parsed.sections.size(), kept);
+        QCOMPARE(parsed.skipped.first().reason, reason);
+    }
+
     void documents_data()
     {
         QTest::addColumn<QString>("file");

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
+#include <QSslServer>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -42,23 +43,42 @@ QByteArray contentType(const QString &path)
 
 EventService::EventService(QObject *parent)
     : QObject(parent)
+    , m_server(std::make_unique<QTcpServer>())
 {
-    connect(&m_server, &QTcpServer::newConnection, this, &EventService::onConnection);
+    connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, this,
+            &EventService::onConnection);
+}
+
+EventService::~EventService() = default;
+
+void EventService::useTls(const QSslCertificate &certificate, const QSslKey &key)
+{
+    auto server = std::make_unique<QSslServer>();
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(certificate);
+    configuration.setPrivateKey(key);
+    server->setSslConfiguration(configuration);
+    // Connections come out once their handshake is done; one that fails it goes away.
+    connect(server.get(), &QTcpServer::pendingConnectionAvailable, this,
+            &EventService::onConnection);
+    m_server = std::move(server);
+    m_tls = true;
 }
 
 bool EventService::listen(quint16 port)
 {
-    return m_server.listen(QHostAddress::LocalHost, port);
+    return m_server->listen(QHostAddress::LocalHost, port);
 }
 
 quint16 EventService::port() const
 {
-    return m_server.serverPort();
+    return m_server->serverPort();
 }
 
 QUrl EventService::baseUrl() const
 {
-    return QUrl(u"http://127.0.0.1:"_s + QString::number(port()));
+    return QUrl((m_tls ? u"https://127.0.0.1:"_s : u"http://127.0.0.1:"_s) +
+                QString::number(port()));
 }
 
 void EventService::setDocument(const QByteArray &bytes)
@@ -107,7 +127,7 @@ EventService::Behaviour EventService::behaviourFor(const QString &path) const
 
 void EventService::onConnection()
 {
-    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+    while (QTcpSocket *socket = m_server->nextPendingConnection()) {
         connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
             // One request per connection: wait for the end of the header, answer, close.

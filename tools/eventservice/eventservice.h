@@ -3,16 +3,21 @@
 #include <QByteArray>
 #include <QHash>
 #include <QObject>
+#include <QSslCertificate>
+#include <QSslKey>
 #include <QTcpServer>
 #include <QUrl>
+
+#include <memory>
 
 namespace eventtimer {
 
 // A small event service for the demo and the tests: serves an event document at
 // /api/events/sequence and the files of a folder (icons) under their paths, over plain HTTP on
-// loopback. "{service}" in the document stands for the service's own address. It counts
-// requests per path and can be told to misbehave for a path: answer late, answer an error
-// status, close the connection in the middle of the body, or send a body larger than asked.
+// loopback, or over HTTPS with a certificate it is given. "{service}" in the document stands for
+// the service's own address. It counts requests per path and can be told to misbehave for a path:
+// answer late, answer an error status, close the connection in the middle of the body, or send a
+// body larger than asked.
 class EventService : public QObject
 {
     Q_OBJECT
@@ -33,7 +38,10 @@ public:
     };
 
     explicit EventService(QObject *parent = nullptr);
+    ~EventService() override;
 
+    // Serves HTTPS with this certificate from now on; call before listen().
+    void useTls(const QSslCertificate &certificate, const QSslKey &key);
     // Listens on 127.0.0.1; port 0 picks a free one.
     bool listen(quint16 port = 0);
     quint16 port() const;
@@ -57,7 +65,8 @@ private:
               const Behaviour &behaviour);
     Behaviour behaviourFor(const QString &path) const;
 
-    QTcpServer m_server;
+    std::unique_ptr<QTcpServer> m_server;
+    bool m_tls = false;
     QByteArray m_document;
     QString m_documentFile;
     QString m_filesFolder;

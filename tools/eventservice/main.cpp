@@ -4,7 +4,10 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
+#include <QSslCertificate>
+#include <QSslKey>
 #include <QTextStream>
 
 using namespace Qt::StringLiterals;
@@ -28,7 +31,11 @@ int main(int argc, char *argv[])
                                   u"port"_s, u"0"_s);
     const QCommandLineOption delay(u"delay"_s, u"Answer every request <ms> late."_s, u"ms"_s,
                                    u"0"_s);
-    parser.addOptions({files, port, delay});
+    const QCommandLineOption certificate(
+        u"certificate"_s, u"Serve HTTPS with the PEM certificate in <file> (needs --key)."_s,
+        u"file"_s);
+    const QCommandLineOption key(u"key"_s, u"The PEM private key of the certificate."_s, u"file"_s);
+    parser.addOptions({files, port, delay, certificate, key});
     parser.process(app);
 
     QTextStream err(stderr);
@@ -53,6 +60,23 @@ int main(int argc, char *argv[])
     }
 
     eventtimer::EventService service;
+    if (parser.isSet(certificate) != parser.isSet(key)) {
+        err << "eventtimer-eventservice: --certificate and --key go together" << Qt::endl;
+        return 2;
+    }
+    if (parser.isSet(certificate)) {
+        QFile certificateFile(parser.value(certificate));
+        QFile keyFile(parser.value(key));
+        if (!certificateFile.open(QIODevice::ReadOnly) || !keyFile.open(QIODevice::ReadOnly)) {
+            err << "eventtimer-eventservice: cannot read the certificate or its key" << Qt::endl;
+            return 2;
+        }
+        const QByteArray keyText = keyFile.readAll();
+        QSslKey privateKey(keyText, QSsl::Ec);
+        if (privateKey.isNull())
+            privateKey = QSslKey(keyText, QSsl::Rsa);
+        service.useTls(QSslCertificate(certificateFile.readAll()), privateKey);
+    }
     service.setDocumentFile(positional.first());
     if (parser.isSet(files))
         service.setFilesFolder(parser.value(files));
