@@ -113,7 +113,7 @@ quint32 stableHash(const QString &text)
 class FuzzIcons final : public IconLookup
 {
 public:
-    std::optional<QImage> icon(const QString &url) override
+    std::optional<Icon> icon(const QString &url) override
     {
         asked.append(url);
         QByteArray bytes;
@@ -126,10 +126,7 @@ public:
                 return std::nullopt;
             bytes = hash % 3 == 1 ? fixture->png : fixture->png.left(hash % fixture->png.size());
         }
-        QImage image = QImage::fromData(bytes);
-        if (image.isNull())
-            return std::nullopt;
-        return image;
+        return Icon::fromBytes(bytes);
     }
 
     QStringList asked;
@@ -157,9 +154,14 @@ QStringList expectedLookups(const QJsonArray &document, const ParsedDocument &pa
     return texts;
 }
 
-void checkIcon(const QImage &icon, const QString &eventName)
+// An icon's header promised a size; its pixels, once decoded, are that size or none at all.
+void checkIcon(const Icon &icon, const QString &eventName)
 {
-    require(!icon.isNull(), "an icon that is present has pixels", [&] { return eventName; });
+    require(icon.size().isValid() && !icon.size().isEmpty(), "an icon that is present has a size",
+            [&] { return eventName; });
+    const QImage &image = icon.image();
+    require(image.isNull() || image.size() == icon.size(),
+            "an icon decodes to the size its header gives", [&] { return eventName; });
 }
 
 void checkColor(const EventColor &color, const QString &eventName)

@@ -30,10 +30,11 @@ QString CacheFolder::standardPath()
 
 std::optional<QByteArray> CacheFolder::read(const QString &name, qint64 maxBytes) const
 {
+    // Opening refuses a folder; a start reads dozens of these files, one call each where it can.
     QFile file(m_path + u'/' + name);
-    if (!QFileInfo(file).isFile() || file.size() > maxBytes || !file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly) || file.size() > maxBytes)
         return std::nullopt;
-    QByteArray bytes = file.read(maxBytes + 1);
+    QByteArray bytes = file.read(file.size() + 1);
     if (file.error() != QFileDevice::NoError || bytes.size() > maxBytes)
         return std::nullopt;
     return bytes;

@@ -29,11 +29,12 @@ public:
         : m_cache(cache)
     {}
 
-    std::optional<QImage> icon(const QString &url) override
+    std::optional<Icon> icon(const QString &url) override
     {
         asked.append(url);
-        missing = missing || (iconCacheKey(url) && !m_cache.has(url));
-        return m_cache.icon(url);
+        std::optional<Icon> icon = m_cache.icon(url);
+        missing = missing || (!icon && !m_cache.has(url) && iconCacheKey(url));
+        return icon;
     }
 
     QStringList asked;
@@ -57,7 +58,7 @@ public:
             m_fetchedKeys.insert(*iconCacheKey(it.key()));
     }
 
-    std::optional<QImage> icon(const QString &url) override
+    std::optional<Icon> icon(const QString &url) override
     {
         const std::optional<QString> key = iconCacheKey(url);
         if (!key)

@@ -19,28 +19,40 @@ QString IconCache::fileName(const QString &key)
     return u"icons/"_s + CacheFolder::safeName(key);
 }
 
-std::optional<QImage> IconCache::icon(const QString &url)
+const IconCache::Kept *IconCache::kept(const QString &url)
 {
-    const std::optional<QString> key = iconCacheKey(url);
-    if (!key)
-        return std::nullopt;
-    auto known = m_decoded.find(*key);
-    if (known == m_decoded.end()) {
+    // A document names the same few dozen icon URLs again and again.
+    auto key = m_keys.find(url);
+    if (key == m_keys.end())
+        key = m_keys.insert(url, iconCacheKey(url));
+    if (!key.value())
+        return nullptr;
+    auto known = m_kept.find(*key.value());
+    if (known == m_kept.end()) {
         // Kept once, never replaced: a file that does not decode leaves the icon absent.
-        std::optional<QImage> image;
-        if (const std::optional<QByteArray> bytes = m_folder.read(fileName(*key), maxIconBytes)) {
-            if (QImage decoded = QImage::fromData(*bytes); !decoded.isNull())
-                image = std::move(decoded);
+        Kept kept;
+        if (const std::optional<QByteArray> bytes =
+                m_folder.read(fileName(*key.value()), maxIconBytes)) {
+            kept.file = true;
+            kept.icon = Icon::fromBytes(*bytes);
+        } else {
+            kept.file = m_folder.contains(fileName(*key.value()));
         }
-        known = m_decoded.insert(*key, image);
+        known = m_kept.insert(*key.value(), kept);
     }
-    return known.value();
+    return &known.value();
 }
 
-bool IconCache::has(const QString &url) const
+std::optional<Icon> IconCache::icon(const QString &url)
 {
-    const std::optional<QString> key = iconCacheKey(url);
-    return key && m_folder.contains(fileName(*key));
+    const Kept *found = kept(url);
+    return found ? found->icon : std::nullopt;
+}
+
+bool IconCache::has(const QString &url)
+{
+    const Kept *found = kept(url);
+    return found && found->file;
 }
 
 QHash<QString, bool> IconCache::fetchMissing(const QStringList &asked, UrlLoader &loader,
@@ -83,11 +95,11 @@ QHash<QString, bool> IconCache::fetchMissing(const QStringList &asked, UrlLoader
             const QString &key = round.at(i);
             QImage image;
             if (bodies.at(i))
-                image = QImage::fromData(bodies.at(i).value());
+                image = Icon::decode(bodies.at(i).value());
             fetched.insert(texts.at(i), !image.isNull());
             if (!image.isNull()) {
                 m_folder.write(fileName(key), bodies.at(i).value());
-                m_decoded.insert(key, image);
+                m_kept.insert(key, {true, Icon(image)});
                 continue;
             }
             failures.append(texts.at(i) + u": "_s +

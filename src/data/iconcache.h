@@ -3,7 +3,6 @@
 #include "model/iconlookup.h"
 
 #include <QHash>
-#include <QImage>
 #include <QList>
 #include <QString>
 #include <QTextStream>
@@ -28,12 +27,12 @@ public:
 
     IconCache(CacheFolder &folder, QTextStream &err);
 
-    // The kept icon of url's key (decoded once per key); absent when nothing decodable is kept
-    // under it or the URL has no key.
-    std::optional<QImage> icon(const QString &url) override;
+    // The kept icon of url's key, read once per key and decoded when first drawn; absent when
+    // what is kept under it is no image or the URL has no key.
+    std::optional<Icon> icon(const QString &url) override;
 
     // Whether anything at all is kept under url's key: then nothing is fetched for it.
-    bool has(const QString &url) const;
+    bool has(const QString &url);
 
     // Fetches the icons that were asked for and not found, given in the order they were asked
     // for, each key from its first URL; a key whose URL failed is tried again with the next URL
@@ -45,9 +44,18 @@ public:
     static QString fileName(const QString &key);
 
 private:
+    // What is kept under a URL's key, read once per key: nothing, or the file and its icon.
+    struct Kept
+    {
+        bool file = false;
+        std::optional<Icon> icon;
+    };
+    const Kept *kept(const QString &url);
+
     CacheFolder &m_folder;
     QTextStream &m_err;
-    QHash<QString, std::optional<QImage>> m_decoded;
+    QHash<QString, std::optional<QString>> m_keys;
+    QHash<QString, Kept> m_kept;
 };
 
 } // namespace eventtimer

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/eventcolor.h"
+#include "model/icon.h"
 
-#include <QImage>
 #include <QString>
 
 #include <optional>
@@ -18,7 +18,7 @@ public:
     QString name;
     EventColor backgroundColor;
     std::optional<QString> chatLink;
-    std::optional<QImage> icon;
+    std::optional<Icon> icon;
     QString wiki;
     std::optional<QString> section;
 };

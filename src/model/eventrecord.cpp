@@ -24,7 +24,7 @@ std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sect
     return event;
 }
 
-std::optional<QImage> iconOf(const QJsonObject &record, IconLookup &icons)
+std::optional<Icon> iconOf(const QJsonObject &record, IconLookup &icons)
 {
     if (const std::optional<QString> url = jsonfields::optionalString(record, u"icon"))
         return icons.icon(*url);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/eventcolor.h"
+#include "model/icon.h"
 
-#include <QImage>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
@@ -22,7 +22,7 @@ std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sect
                                   IconLookup *icons);
 
 // The icon of a segment record: looked up under its "icon" text when that is a string.
-std::optional<QImage> iconOf(const QJsonObject &record, IconLookup &icons);
+std::optional<Icon> iconOf(const QJsonObject &record, IconLookup &icons);
 
 // The colour a "bg" value gives: [r, g, b] with components 0…255, or an array whose first
 // element is such a triple (unwrapped once only). Anything else gives the default colour.

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QImage>
+#include "model/icon.h"
+
 #include <QString>
 
 #include <optional>
@@ -21,7 +22,7 @@ public:
 
     // The icon behind url, or absent. Asked once per event the parser keeps, in the order of
     // the document's sections and their segment keys.
-    virtual std::optional<QImage> icon(const QString &url) = 0;
+    virtual std::optional<Icon> icon(const QString &url) = 0;
 };
 
 } // namespace eventtimer

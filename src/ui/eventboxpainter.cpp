@@ -102,7 +102,7 @@ const QPixmap &EventBoxPainter::iconOf(const Event &event)
 {
     auto it = m_icons.find(&event);
     if (it == m_icons.end())
-        it = m_icons.insert(&event, QPixmap::fromImage(*event.icon));
+        it = m_icons.insert(&event, QPixmap::fromImage(event.icon->image()));
     return it.value();
 }
 
@@ -153,7 +153,7 @@ void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, cons
         EventBoxGeometry::timeRect(rect, time.size().width(), time.size().height()).topLeft(),
         time);
 
-    if (event.icon && !event.icon->isNull()) {
+    if (event.icon) {
         const QPixmap &icon = iconOf(event);
         painter.setOpacity(0.5);
         painter.drawPixmap(EventBoxGeometry::iconRect(rect, icon.deviceIndependentSize()), icon,

@@ -92,14 +92,14 @@ private Q_SLOTS:
                               {asked.at(0), false}, {asked.at(1), true}, {asked.at(5), true}}));
         QCOMPARE(service.totalRequests(), 3);
         QCOMPARE(service.requestCount(u"/a/X/1.png"_s), 1);
-        QCOMPARE(cache.icon(asked.at(3))->pixelColor(0, 0), QColor(Qt::red));
+        QCOMPARE(cache.icon(asked.at(3))->image().pixelColor(0, 0), QColor(Qt::red));
 
         // The one that failed is said; a later start finds the others kept, as sent.
         QVERIFY(err.startsWith(u"eventtimer: no icon from "_s + asked.at(0) + u": "_s));
         QCOMPARE(folder.read(IconCache::fileName(u"Y_2"_s), 1000),
                  std::optional(pngBytes(Qt::blue)));
         IconCache later(folder, errors);
-        QCOMPARE(later.icon(asked.at(5))->pixelColor(0, 0), QColor(Qt::blue));
+        QCOMPARE(later.icon(asked.at(5))->image().pixelColor(0, 0), QColor(Qt::blue));
         QVERIFY(later.fetchMissing(asked, loader, 4).isEmpty());
         QCOMPARE(service.totalRequests(), 3);
     }

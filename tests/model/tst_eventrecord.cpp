@@ -14,10 +14,10 @@ namespace {
 class Lookup final : public IconLookup
 {
 public:
-    std::optional<QImage> icon(const QString &url) override
+    std::optional<Icon> icon(const QString &url) override
     {
         asked.append(url);
-        return QImage(2, 2, QImage::Format_ARGB32);
+        return Icon(QImage(2, 2, QImage::Format_ARGB32));
     }
     QStringList asked;
 };
