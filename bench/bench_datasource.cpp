@@ -114,7 +114,7 @@ void BenchDataSource::firstStartWithSlowIcons()
         UrlLoader loader;
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(loader.read(QUrl(m_service.baseUrl().toString() + u"/icons/file/set/0.png"_s)));
+        QVERIFY(loader.readNow(QUrl(m_service.baseUrl().toString() + u"/icons/file/set/0.png"_s)));
         single.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
 
         m_cachePath = m_folder.filePath(u"first-"_s + QString::number(run));

@@ -59,8 +59,8 @@ int runApp(int argc, char *argv[])
     QApplication application(argc, argv);
     eventtimer::SystemClock clock;
     eventtimer::TimetableWindow window(clock);
-    new QuitAfterPaint(window.controller().horizontalScrollContent());
     window.show();
+    new QuitAfterPaint(window.controller().horizontalScrollContent());
     return QApplication::exec();
 }
 

@@ -321,10 +321,11 @@ void checkGlobalSequence(const ParsedDocument &parsed, const DayChoice &choice)
                 return QString::number(sequence.size()) + u" of "_s +
                        QString::number(registrations);
             });
-    for (const auto &[key, event] : sequence) {
-        require(event && event->chatLink.has_value(), "only events with a chat link are published");
-        require(key >= 0, "keys count from the start of the day",
-                [&] { return QString::number(key); });
+    for (const auto &entry : sequence) {
+        require(entry.second && entry.second->chatLink.has_value(),
+                "only events with a chat link are published");
+        require(entry.first >= 0, "keys count from the start of the day",
+                [&] { return QString::number(entry.first); });
     }
 }
 

@@ -1,35 +1,63 @@
 #pragma once
 
+#include "data/cachefolder.h"
+#include "data/eventdatasource.h"
+#include "data/settingsstore.h"
+#include "data/urlloader.h"
 #include "model/clock.h"
 #include "ui/viewcontroller.h"
 
 #include <QMainWindow>
+#include <QObject>
+#include <QStackedWidget>
 #include <QTextStream>
 
 #include <memory>
 
 namespace eventtimer {
 
-// The program's one window with its controller, wired to the user's settings store, the event
-// service and the shared suite: what main() starts, and what the start-up benchmark measures.
-class TimetableWindow
+// The program's one window and its timetable, wired to the user's settings file, the cache
+// folder, the event service and the shared suite: what main() starts, and what the start-up
+// benchmark measures. The window shows at once and says what it is loading; each load (at the
+// start, on Reload) makes a timetable controller of its own, which takes the place of the one
+// shown when its data is in.
+class TimetableWindow : public QObject
 {
-public:
-    explicit TimetableWindow(Clock &clock);
+    Q_OBJECT
 
-    // Loads the sections (from the store, or downloaded) and shows the window; the timetable
-    // is built when the window first appears.
+public:
+    explicit TimetableWindow(Clock &clock, QObject *parent = nullptr);
+    ~TimetableWindow() override;
+
+    // Shows the window and starts loading.
     void show();
+    // Downloads the document again, whatever its age, and builds a new timetable from it.
+    void reload();
 
     QMainWindow &window() { return m_window; }
     ViewController &controller() { return *m_controller; }
+    SettingsStore &settings() { return m_settings; }
+
+Q_SIGNALS:
+    // A new timetable stands in the window.
+    void timetableReplaced();
 
 private:
+    void load(bool download);
+    QString progressText(EventDataSource::Stage stage, int done, int total) const;
+
     Clock &m_clock;
     QTextStream m_out;
     QTextStream m_err;
+    std::unique_ptr<QSettings> m_settingsFile;
+    SettingsStore m_settings;
+    CacheFolder m_cache;
+    UrlLoader m_loader;
+    std::unique_ptr<EventDataSource> m_source;
     std::unique_ptr<ViewController> m_controller;
+    std::unique_ptr<ViewController> m_next;
     QMainWindow m_window;
+    QStackedWidget *m_stack = nullptr;
 };
 
 } // namespace eventtimer

@@ -6,8 +6,10 @@
 #include "data/urlloader.h"
 #include "model/clock.h"
 
+#include <QEventLoop>
 #include <QJsonDocument>
 #include <QSet>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -15,6 +17,7 @@ namespace eventtimer {
 
 namespace {
 
+const QString documentPath = u"/api/events/sequence"_s;
 const QString connectionOk = u"[CONNECTION] OK, data correctly downloaded"_s;
 const QString connectionError = u"[ERROR] There is an unspecified error with the connection"_s;
 const QString parseError = u"[ERROR] An error has happened with parsing of json data"_s;
@@ -81,8 +84,9 @@ private:
 
 EventDataSource::EventDataSource(const SettingsStore &settings, CacheFolder &cache,
                                  UrlLoader &loader, const Clock &clock, QTextStream &out,
-                                 QTextStream &err)
-    : m_settings(settings)
+                                 QTextStream &err, QObject *parent)
+    : QObject(parent)
+    , m_settings(settings)
     , m_cache(cache)
     , m_loader(loader)
     , m_clock(clock)
@@ -90,19 +94,26 @@ EventDataSource::EventDataSource(const SettingsStore &settings, CacheFolder &cac
     , m_err(err)
 {}
 
+EventDataSource::~EventDataSource() = default;
+
 QUrl EventDataSource::serviceUrl() const
 {
     QString base = QStringLiteral(EVENTTIMER_SERVICE_URL);
     const QVariant configured = m_settings.value(settingskeys::serviceUrl);
-    if (configured.typeId() == QMetaType::QString && !configured.toString().isEmpty())
-        base = configured.toString();
+    if (configured.typeId() == QMetaType::QString && !configured.toString().trimmed().isEmpty())
+        base = configured.toString().trimmed();
     while (base.endsWith(u'/'))
         base.chop(1);
-    return QUrl(base + u"/api/events/sequence"_s, QUrl::StrictMode);
+    // The root is what is asked for; an address that already names the document is taken as
+    // its root.
+    if (base.endsWith(documentPath))
+        base.chop(documentPath.size());
+    return QUrl(base + documentPath, QUrl::StrictMode);
 }
 
-SectionList EventDataSource::loadSections()
+void EventDataSource::load(bool download)
 {
+    m_problem.clear();
     const QDateTime now = m_clock.now();
     const std::optional<QByteArray> cached =
         m_cache.read(documentFile.toString(), UrlLoader::Limits().maxBodyBytes);
@@ -114,63 +125,112 @@ SectionList EventDataSource::loadSections()
             : QDateTime();
 
     // A copy without a date is never refreshed; a date in the future counts as fresh.
-    bool download = !cached;
+    download = download || !cached;
     if (stamp.isValid()) {
         const qint64 age = (now.toMSecsSinceEpoch() - stamp.toMSecsSinceEpoch()) / 1000;
         download = download || age >= refreshAfterSeconds;
     }
-
-    QByteArray bytes;
-    if (download) {
-        const QUrl url = serviceUrl();
-        if (!url.isValid()) {
-            // Nothing can be asked of an address that is not one; say so on the error stream.
-            m_err << "eventtimer: the event service address is not a valid URL: " << url.toString()
-                  << Qt::endl;
-            return {};
-        }
-        Result<QByteArray> body = m_loader.read(url);
-        if (!body) {
-            say(connectionError);
-            return {};
-        }
-        bytes = std::move(body).value();
-        // The bytes first, then their date: a start killed in between finds the new bytes with
-        // the old date, never a date without its bytes.
-        if (m_cache.write(documentFile.toString(), bytes))
-            m_cache.write(dateFile.toString(),
-                          m_clock.now().toUTC().toString(Qt::ISODateWithMs).toLatin1());
-        say(connectionOk);
-    } else {
-        bytes = *cached;
+    if (!download) {
+        QTimer::singleShot(0, this, [this, bytes = *cached] { decode(bytes); });
+        return;
     }
 
+    const QUrl url = serviceUrl();
+    if (!url.isValid()) {
+        // Nothing can be asked of an address that is not one; no connection was tried.
+        m_err << "eventtimer: the event service address is not a valid URL: " << url.toString()
+              << Qt::endl;
+        QTimer::singleShot(0, this, [this] { fail(u"the event service address is not valid"_s); });
+        return;
+    }
+    const QVariant configured = m_settings.value(settingskeys::serviceUrl);
+    if (configured.toString().trimmed().endsWith(documentPath) ||
+        configured.toString().trimmed().endsWith(documentPath + u'/'))
+        m_err << "eventtimer: event_service_url names the document; its root "
+              << url.adjusted(QUrl::RemovePath).toString() << " is used" << Qt::endl;
+    Q_EMIT progress(Stage::Document, 0, 1);
+    m_loader.read(url, [this, url](Result<QByteArray> body) { downloaded(url, std::move(body)); });
+}
+
+void EventDataSource::downloaded(const QUrl &url, Result<QByteArray> body)
+{
+    if (!body) {
+        say(connectionError);
+        m_err << "eventtimer: cannot read the event document from " << url.toString() << ": "
+              << body.error() << Qt::endl;
+        fail(body.error());
+        return;
+    }
+    // The bytes first, then their date: a start killed in between finds the new bytes with the
+    // old date, never a date without its bytes.
+    if (m_cache.write(documentFile.toString(), body.value()))
+        m_cache.write(dateFile.toString(),
+                      m_clock.now().toUTC().toString(Qt::ISODateWithMs).toLatin1());
+    say(connectionOk);
+    decode(body.value());
+}
+
+void EventDataSource::decode(const QByteArray &bytes)
+{
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     if (error.error != QJsonParseError::NoError || !document.isArray()) {
         say(parseError);
-        return {};
+        fail(error.error != QJsonParseError::NoError
+                 ? u"the event document is no JSON ("_s + error.errorString() + u')'
+                 : u"the event document is no list of sections"_s);
+        return;
     }
     say(jsonOk);
 
-    const ParsedDocument parsed =
-        parseWithIcons(document.array(), ScheduleDay::containing(now, m_clock.zone()));
-    for (const SkippedSection &skipped : parsed.skipped)
-        say(skipped.line());
-    return parsed.sections;
+    // A start from the cache parses once; only missing icons cost a second pass.
+    m_document = document.array();
+    const ScheduleDay day = ScheduleDay::containing(m_clock.now(), m_clock.zone());
+    m_icons = std::make_unique<IconCache>(m_cache, m_err);
+    AskedIcons asked(*m_icons);
+    ParsedDocument parsed = parseDocument(m_document, {day, &asked});
+    if (!asked.missing) {
+        finish(std::move(parsed));
+        return;
+    }
+    Q_EMIT progress(Stage::Icons, 0, 0);
+    m_icons->fetchMissing(
+        asked.asked, m_loader, iconConcurrency,
+        [this, day](const IconCache::Fetched &fetched) {
+            FetchedIcons icons(*m_icons, fetched);
+            finish(parseDocument(m_document, {day, &icons}));
+        },
+        [this](int settled, int total) { Q_EMIT progress(Stage::Icons, settled, total); });
 }
 
-ParsedDocument EventDataSource::parseWithIcons(const QJsonArray &document, const ScheduleDay &day)
+void EventDataSource::finish(ParsedDocument parsed)
 {
-    // A start from the cache parses once; only missing icons cost a second pass.
-    IconCache cache(m_cache, m_err);
-    AskedIcons asked(cache);
-    ParsedDocument parsed = parseDocument(document, {day, &asked});
-    if (!asked.missing)
-        return parsed;
-    const QHash<QString, bool> fetched = cache.fetchMissing(asked.asked, m_loader, iconConcurrency);
-    FetchedIcons icons(cache, fetched);
-    return parseDocument(document, {day, &icons});
+    for (const SkippedSection &skipped : parsed.skipped)
+        say(skipped.line());
+    m_document = {};
+    Q_EMIT finished(parsed.sections);
+}
+
+void EventDataSource::fail(const QString &problem)
+{
+    m_problem = problem;
+    Q_EMIT finished({});
+}
+
+SectionList EventDataSource::loadSections(bool download)
+{
+    QEventLoop loop;
+    std::optional<SectionList> sections;
+    const QMetaObject::Connection connection =
+        connect(this, &EventDataSource::finished, this, [&](const SectionList &loaded) {
+            sections = loaded;
+            loop.quit();
+        });
+    load(download);
+    if (!sections)
+        loop.exec();
+    disconnect(connection);
+    return std::move(*sections);
 }
 
 void EventDataSource::say(const QString &line)

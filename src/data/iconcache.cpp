@@ -3,6 +3,9 @@
 #include "data/cachefolder.h"
 #include "data/urlloader.h"
 
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
@@ -55,60 +58,128 @@ bool IconCache::has(const QString &url)
     return found && found->file;
 }
 
-QHash<QString, bool> IconCache::fetchMissing(const QStringList &asked, UrlLoader &loader,
-                                             int concurrency)
+// One fetchMissing in progress.
+struct IconCache::Fetch
 {
-    // Per key not kept yet, its URLs in the order they were asked for, each once.
+    UrlLoader *loader = nullptr;
+    int concurrency = 1;
+    std::function<void(Fetched)> done;
+    std::function<void(int, int)> progress;
     QStringList keys;
     QHash<QString, QStringList> urlsOf;
+    QHash<QString, qsizetype> tried;
+    QStringList round;
+    Fetched fetched;
+    QStringList failures;
+    QElapsedTimer elapsed;
+    int settled = 0;
+    int notKept = 0;
+};
+
+void IconCache::fetchMissing(const QStringList &asked, UrlLoader &loader, int concurrency,
+                             std::function<void(Fetched)> done,
+                             std::function<void(int, int)> progress)
+{
+    auto fetch = std::make_shared<Fetch>();
+    fetch->loader = &loader;
+    fetch->concurrency = concurrency;
+    fetch->done = std::move(done);
+    fetch->progress = std::move(progress);
+    // Per key not kept yet, its URLs in the order they were asked for, each once.
     for (const QString &url : asked) {
         const std::optional<QString> key = iconCacheKey(url);
         if (!key || has(url))
             continue;
-        if (!urlsOf.contains(*key)) {
-            if (keys.size() == maxFetchedPerDocument) {
+        if (!fetch->urlsOf.contains(*key)) {
+            if (fetch->keys.size() == maxFetchedPerDocument) {
                 m_err << "eventtimer: the document asks for more than " << maxFetchedPerDocument
                       << " new icons; the others wait for a later start" << Qt::endl;
                 break;
             }
-            keys.append(*key);
+            fetch->keys.append(*key);
         }
-        QStringList &urls = urlsOf[*key];
+        QStringList &urls = fetch->urlsOf[*key];
         if (!urls.contains(url))
             urls.append(url);
     }
+    fetch->round = fetch->keys;
+    fetch->elapsed.start();
+    fetchRound(fetch);
+}
 
-    QHash<QString, bool> fetched;
-    QHash<QString, qsizetype> tried;
-    QStringList failures;
-    QStringList round = keys;
-    while (!round.isEmpty()) {
-        QStringList texts;
-        QList<QUrl> urls;
-        for (const QString &key : std::as_const(round)) {
-            texts.append(urlsOf.value(key).at(tried[key]++));
-            urls.append(QUrl(texts.last(), QUrl::StrictMode));
-        }
-        const QList<Result<QByteArray>> bodies = loader.readAll(urls, concurrency, maxIconBytes);
-        QStringList again;
-        for (qsizetype i = 0; i < round.size(); ++i) {
-            const QString &key = round.at(i);
-            QImage image;
-            if (bodies.at(i))
-                image = Icon::decode(bodies.at(i).value());
-            fetched.insert(texts.at(i), !image.isNull());
-            if (!image.isNull()) {
-                m_folder.write(fileName(key), bodies.at(i).value());
-                m_kept.insert(key, {true, Icon(image)});
-                continue;
-            }
-            failures.append(texts.at(i) + u": "_s +
-                            (bodies.at(i) ? u"not an image"_s : bodies.at(i).error()));
-            if (tried.value(key) < urlsOf.value(key).size())
-                again.append(key);
-        }
-        round = again;
+void IconCache::fetchRound(const std::shared_ptr<Fetch> &fetch)
+{
+    const auto left =
+        fetch->loader->limits().timeout - std::chrono::milliseconds(fetch->elapsed.elapsed());
+    if (fetch->round.isEmpty() || left.count() <= 0) {
+        // Always from the event loop, as the loader's own answers come.
+        QTimer::singleShot(0, fetch->loader, [this, fetch] {
+            report(fetch->failures);
+            if (fetch->notKept > 0)
+                m_err << "eventtimer: " << fetch->notKept
+                      << " icons larger than 64 KiB are shown, not kept" << Qt::endl;
+            fetch->done(fetch->fetched);
+        });
+        return;
     }
+    QStringList texts;
+    QList<QUrl> urls;
+    for (const QString &key : std::as_const(fetch->round)) {
+        texts.append(fetch->urlsOf.value(key).at(fetch->tried[key]++));
+        urls.append(QUrl(texts.last(), QUrl::StrictMode));
+    }
+    const int total = static_cast<int>(fetch->keys.size());
+    const auto onProgress = [fetch, total](int, int) {
+        if (fetch->progress)
+            fetch->progress(++fetch->settled, total);
+    };
+    fetch->loader->readAll(
+        urls, fetch->concurrency, maxIconBytes,
+        [this, fetch, texts](const UrlLoader::Results &bodies) {
+            QStringList again;
+            for (qsizetype i = 0; i < fetch->round.size(); ++i) {
+                const QString &key = fetch->round.at(i);
+                QImage image;
+                if (bodies.at(i))
+                    image = Icon::decode(bodies.at(i).value());
+                fetch->fetched.insert(texts.at(i), !image.isNull());
+                if (!image.isNull()) {
+                    if (bodies.at(i).value().size() <= maxKeptBytes)
+                        m_folder.write(fileName(key), bodies.at(i).value());
+                    else
+                        ++fetch->notKept;
+                    m_kept.insert(key, {true, Icon(image)});
+                    continue;
+                }
+                fetch->failures.append(texts.at(i) + u": "_s +
+                                       (bodies.at(i) ? u"not an image"_s : bodies.at(i).error()));
+                if (fetch->tried.value(key) < fetch->urlsOf.value(key).size()) {
+                    again.append(key);
+                    --fetch->settled; // it counts when its next URL is settled
+                }
+            }
+            fetch->round = again;
+            fetchRound(fetch);
+        },
+        onProgress, left);
+}
+
+IconCache::Fetched IconCache::fetchMissingNow(const QStringList &asked, UrlLoader &loader,
+                                              int concurrency)
+{
+    QEventLoop loop;
+    std::optional<Fetched> fetched;
+    fetchMissing(asked, loader, concurrency, [&](Fetched result) {
+        fetched = std::move(result);
+        loop.quit();
+    });
+    if (!fetched)
+        loop.exec();
+    return std::move(*fetched);
+}
+
+void IconCache::report(const QStringList &failures)
+{
     constexpr qsizetype shown = 3;
     for (qsizetype i = 0; i < std::min(failures.size(), shown); ++i)
         m_err << "eventtimer: no icon from " << failures.at(i) << Qt::endl;
@@ -116,7 +187,6 @@ QHash<QString, bool> IconCache::fetchMissing(const QStringList &asked, UrlLoader
         m_err << "eventtimer: and " << failures.size() - shown
               << " more icons could not be fetched; they are tried again at the next start"
               << Qt::endl;
-    return fetched;
 }
 
 } // namespace eventtimer

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QTextStream>
 
+#include <functional>
 #include <optional>
 
 namespace eventtimer {
@@ -21,9 +22,11 @@ class UrlLoader;
 class IconCache final : public IconLookup
 {
 public:
-    // A document asks for at most this many new icons per start, each at most this large.
+    // A document asks for at most this many new icons per start, each at most this large, and
+    // one is kept only up to the second size: a larger one is shown for this start alone.
     static constexpr int maxFetchedPerDocument = 1000;
     static constexpr qint64 maxIconBytes = 1024 * 1024;
+    static constexpr qint64 maxKeptBytes = 64 * 1024;
 
     IconCache(CacheFolder &folder, QTextStream &err);
 
@@ -34,12 +37,20 @@ public:
     // Whether anything at all is kept under url's key: then nothing is fetched for it.
     bool has(const QString &url);
 
+    // Per URL fetched, whether it gave the icon.
+    using Fetched = QHash<QString, bool>;
+
     // Fetches the icons that were asked for and not found, given in the order they were asked
     // for, each key from its first URL; a key whose URL failed is tried again with the next URL
-    // asked for it. Keys are fetched several at a time. What arrives and decodes is kept, and
-    // what could not be had is said on the error stream. Returns, per URL fetched, whether it
-    // gave the icon.
-    QHash<QString, bool> fetchMissing(const QStringList &asked, UrlLoader &loader, int concurrency);
+    // asked for it. Keys are fetched several at a time, all under one deadline (the loader's
+    // time-out): what is not in by then is left out of this start. What arrives and decodes is
+    // kept, and what could not be had is said on the error stream. Calls back from the event
+    // loop; progress counts the keys settled.
+    void fetchMissing(const QStringList &asked, UrlLoader &loader, int concurrency,
+                      std::function<void(Fetched)> done,
+                      std::function<void(int settled, int total)> progress = {});
+    // The same, waiting in a local event loop.
+    Fetched fetchMissingNow(const QStringList &asked, UrlLoader &loader, int concurrency);
 
     static QString fileName(const QString &key);
 
@@ -51,6 +62,9 @@ private:
         std::optional<Icon> icon;
     };
     const Kept *kept(const QString &url);
+    struct Fetch;
+    void fetchRound(const std::shared_ptr<Fetch> &fetch);
+    void report(const QStringList &failures);
 
     CacheFolder &m_folder;
     QTextStream &m_err;

@@ -5,6 +5,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QPointer>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,10 @@ using namespace Qt::StringLiterals;
 namespace eventtimer {
 
 namespace {
+
+// Over HTTP/1.1 one network manager keeps at most six connections to a host, so reads are
+// spread over as many managers as the concurrency needs.
+constexpr int connectionsPerManager = 6;
 
 bool isLoopbackHost(const QString &host)
 {
@@ -21,95 +26,249 @@ bool isLoopbackHost(const QString &host)
     return !address.isNull() && address.isLoopback();
 }
 
-QString bodyTooLarge(const UrlLoader::Limits &limits)
+QString sizeText(qint64 bytes)
 {
-    const qint64 mib = limits.maxBodyBytes / (1024 * 1024);
-    return u"body larger than "_s + (mib > 0 && mib * 1024 * 1024 == limits.maxBodyBytes
-                                         ? QString::number(mib) + u" MiB"_s
-                                         : QString::number(limits.maxBodyBytes) + u" bytes"_s);
+    const qint64 mib = bytes / (1024 * 1024);
+    if (mib > 0 && mib * 1024 * 1024 == bytes)
+        return QString::number(mib) + u" MiB"_s;
+    return QString::number(bytes) + u" bytes"_s;
 }
 
-// One reply in flight: collects its body, enforces the limits, and settles once.
+QString timeoutText(std::chrono::milliseconds timeout)
+{
+    return u"timed out after "_s + QString::number(timeout.count() / 1000.0) + u" s"_s;
+}
+
+// One URL followed through its redirects: collects the body, enforces the cap, settles once.
 class Transfer
 {
 public:
-    Transfer(QNetworkAccessManager &network, const QUrl &url, const UrlLoader::Limits &limits,
-             QObject *context)
+    using Done = std::function<void(Result<QByteArray>)>;
+
+    Transfer(QNetworkAccessManager &network, qint64 maxBodyBytes, std::chrono::milliseconds timeout,
+             Done done)
+        : m_network(network)
+        , m_maxBodyBytes(maxBodyBytes)
+        , m_timeout(timeout)
+        , m_done(std::move(done))
+    {}
+    ~Transfer() { drop(); }
+
+    bool finished() const { return m_finished; }
+
+    void start(const QUrl &url)
     {
         if (Result<void> allowed = UrlLoader::checkAddress(url); !allowed) {
-            m_result = Error{allowed.error()};
-            m_done = true;
+            fail(allowed.error());
             return;
         }
+        m_url = url;
         QNetworkRequest request(url);
+        // Redirects are followed here, each hop a request of its own (see finish()).
         request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                             QNetworkRequest::UserVerifiedRedirectPolicy);
-        request.setTransferTimeout(static_cast<int>(limits.timeout.count()));
-        m_reply.reset(network.get(request));
-        QNetworkReply *reply = m_reply.get();
-
-        QObject::connect(reply, &QNetworkReply::redirected, context, [this, reply](const QUrl &to) {
-            if (Result<void> allowed = UrlLoader::checkAddress(to); !allowed)
-                fail(u"redirected to a refused address: "_s + allowed.error());
-            else
-                Q_EMIT reply->redirectAllowed();
-        });
-        QObject::connect(reply, &QNetworkReply::metaDataChanged, context, [this, reply, limits] {
+                             QNetworkRequest::ManualRedirectPolicy);
+        request.setTransferTimeout(static_cast<int>(m_timeout.count()));
+        drop();
+        m_reply = m_network.get(request);
+        QNetworkReply *reply = m_reply;
+        reply->setReadBufferSize(256 * 1024);
+        m_body.clear();
+        QObject::connect(reply, &QNetworkReply::metaDataChanged, reply, [this, reply] {
             const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
-            if (length.isValid() && length.toLongLong() > limits.maxBodyBytes)
-                fail(bodyTooLarge(limits));
+            if (length.isValid() && length.toLongLong() > m_maxBodyBytes)
+                fail(u"body larger than "_s + sizeText(m_maxBodyBytes));
         });
-        QObject::connect(reply, &QNetworkReply::readyRead, context, [this, reply, limits] {
+        QObject::connect(reply, &QNetworkReply::readyRead, reply, [this, reply] {
             m_body += reply->readAll();
-            if (m_body.size() > limits.maxBodyBytes)
-                fail(bodyTooLarge(limits));
+            if (m_body.size() > m_maxBodyBytes)
+                fail(u"body larger than "_s + sizeText(m_maxBodyBytes));
         });
-        QObject::connect(reply, &QNetworkReply::finished, context, [this, reply] {
-            if (m_done)
-                return;
-            m_done = true;
-            if (reply->error() != QNetworkReply::NoError) {
-                m_result = Error{reply->errorString()};
-                return;
-            }
-            m_body += reply->readAll();
-            m_result = std::move(m_body);
-        });
-        // The transfer time-out only notices silence; this bounds a server that trickles.
-        m_deadline.setSingleShot(true);
-        m_deadline.setInterval(limits.timeout);
-        QObject::connect(&m_deadline, &QTimer::timeout, context,
-                         [this] { fail(u"no complete answer within the time-out"_s); });
-        m_deadline.start();
+        QObject::connect(reply, &QNetworkReply::sslErrors, reply,
+                         [this] { m_certificateRejected = true; });
+        QObject::connect(reply, &QNetworkReply::finished, reply, [this, reply] { finish(reply); });
     }
 
-    bool done() const { return m_done; }
-    const Result<QByteArray> &result() const { return m_result; }
+    // Ends it with a reason, at once: the reply is aborted and what it brought is freed.
+    void fail(const QString &reason)
+    {
+        if (m_finished)
+            return;
+        m_finished = true;
+        drop();
+        m_body = QByteArray();
+        m_done(Error{reason});
+    }
 
 private:
-    void fail(const QString &why)
+    void finish(QNetworkReply *reply)
     {
-        if (m_done)
+        if (m_finished || reply != m_reply)
             return;
-        m_done = true;
-        m_result = Error{why};
-        if (m_reply)
-            m_reply->abort();
+        const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        // Relative or not, as the service wrote it.
+        const QUrl location = QUrl::fromEncoded(reply->rawHeader("Location"), QUrl::StrictMode);
+        if (status >= 300 && status < 400 && location.isValid()) {
+            if (++m_hops > UrlLoader::maxRedirects) {
+                fail(u"more than "_s + QString::number(UrlLoader::maxRedirects) + u" redirects"_s);
+                return;
+            }
+            const QUrl next = m_url.resolved(location);
+            if (Result<void> allowed = UrlLoader::checkAddress(next); !allowed) {
+                fail(u"redirected to a refused address: "_s + allowed.error());
+                return;
+            }
+            start(next);
+            return;
+        }
+        if (reply->error() != QNetworkReply::NoError) {
+            fail(reasonOf(reply, status));
+            return;
+        }
+        // Qt reports no error for statuses that carry no document either (1xx, 3xx).
+        if (status < 200 || status > 299) {
+            fail(u"HTTP "_s + QString::number(status));
+            return;
+        }
+        m_body += reply->readAll();
+        if (m_body.size() > m_maxBodyBytes) {
+            fail(u"body larger than "_s + sizeText(m_maxBodyBytes));
+            return;
+        }
+        m_finished = true;
+        drop();
+        m_done(std::move(m_body));
     }
 
-    struct LaterDeleter
+    QString reasonOf(QNetworkReply *reply, int status) const
     {
-        void operator()(QNetworkReply *reply) const { reply->deleteLater(); }
-    };
+        switch (reply->error()) {
+        case QNetworkReply::ConnectionRefusedError:
+            return u"connection refused"_s;
+        case QNetworkReply::HostNotFoundError:
+            return u"host not found"_s;
+        case QNetworkReply::RemoteHostClosedError:
+            return u"the service closed the connection before the whole answer"_s;
+        case QNetworkReply::TimeoutError:
+        case QNetworkReply::OperationCanceledError:
+            return timeoutText(m_timeout);
+        case QNetworkReply::SslHandshakeFailedError:
+            return m_certificateRejected ? u"certificate not trusted"_s : u"TLS handshake failed"_s;
+        case QNetworkReply::NetworkSessionFailedError:
+        case QNetworkReply::UnknownNetworkError:
+            return u"no network"_s;
+        default:
+            if (status > 0)
+                return u"HTTP "_s + QString::number(status);
+            return reply->errorString();
+        }
+    }
 
-    std::unique_ptr<QNetworkReply, LaterDeleter> m_reply;
-    QTimer m_deadline;
+    void drop()
+    {
+        if (!m_reply)
+            return;
+        QNetworkReply *reply = m_reply;
+        m_reply = nullptr;
+        reply->disconnect();
+        reply->abort();
+        reply->deleteLater();
+    }
+
+    QNetworkAccessManager &m_network;
+    qint64 m_maxBodyBytes;
+    std::chrono::milliseconds m_timeout;
+    Done m_done;
+    QUrl m_url;
+    QPointer<QNetworkReply> m_reply;
     QByteArray m_body;
-    Result<QByteArray> m_result = Error{u"not finished"_s};
-    bool m_done = false;
+    int m_hops = 0;
+    bool m_certificateRejected = false;
+    bool m_finished = false;
 };
 
 } // namespace
+
+// The reads of one readAll: a few at a time, under one deadline for all of them.
+class UrlLoader::Batch
+{
+public:
+    Batch(UrlLoader &loader, const QList<QUrl> &urls, int concurrency, qint64 maxBodyBytes,
+          std::chrono::milliseconds timeout, Done done, Progress progress)
+        : m_loader(loader)
+        , m_urls(urls)
+        , m_results(urls.size(), Error{u"not read"_s})
+        , m_slots(std::max(concurrency, 1))
+        , m_maxBodyBytes(maxBodyBytes)
+        , m_done(std::move(done))
+        , m_progress(std::move(progress))
+    {
+        m_deadline.setSingleShot(true);
+        QObject::connect(&m_deadline, &QTimer::timeout, &m_deadline, [this, timeout] {
+            // Nothing more starts; what runs ends now, and what waited ends unread.
+            const qsizetype unstarted = m_started;
+            m_started = m_urls.size();
+            for (const auto &transfer : m_transfers)
+                transfer->fail(timeoutText(timeout));
+            for (qsizetype index = unstarted; index < m_urls.size(); ++index)
+                settle(index, Error{timeoutText(timeout)});
+        });
+        m_deadline.start(timeout);
+        startMore();
+    }
+
+    bool isDone() const { return m_finished == m_urls.size(); }
+
+private:
+    void startMore()
+    {
+        while (m_started < m_urls.size() && m_running < m_slots) {
+            const qsizetype index = m_started++;
+            ++m_running;
+            const auto manager = static_cast<size_t>(index % m_slots / connectionsPerManager);
+            auto transfer = std::make_unique<Transfer>(m_loader.network(manager), m_maxBodyBytes,
+                                                       m_loader.m_limits.timeout,
+                                                       [this, index](Result<QByteArray> result) {
+                                                           --m_running;
+                                                           settle(index, std::move(result));
+                                                           startMore();
+                                                       });
+            Transfer *started = transfer.get();
+            m_transfers.push_back(std::move(transfer));
+            started->start(m_urls.at(index));
+        }
+    }
+
+    void settle(qsizetype index, Result<QByteArray> result)
+    {
+        m_results[index] = std::move(result);
+        ++m_finished;
+        if (m_progress)
+            m_progress(static_cast<int>(m_finished), static_cast<int>(m_urls.size()));
+        if (isDone()) {
+            m_deadline.stop();
+            // Always from the event loop, never from inside readAll().
+            QTimer::singleShot(0, &m_deadline, [this] {
+                Done done = std::move(m_done);
+                Results results = std::move(m_results);
+                m_loader.forget(this);
+                done(std::move(results));
+            });
+        }
+    }
+
+    UrlLoader &m_loader;
+    QList<QUrl> m_urls;
+    Results m_results;
+    int m_slots;
+    qint64 m_maxBodyBytes;
+    Done m_done;
+    Progress m_progress;
+    QTimer m_deadline;
+    std::vector<std::unique_ptr<Transfer>> m_transfers;
+    qsizetype m_started = 0;
+    qsizetype m_finished = 0;
+    int m_running = 0;
+};
 
 UrlLoader::UrlLoader()
     : UrlLoader(Limits{})
@@ -119,7 +278,10 @@ UrlLoader::UrlLoader(Limits limits)
     : m_limits(limits)
 {}
 
-UrlLoader::~UrlLoader() = default;
+UrlLoader::~UrlLoader()
+{
+    cancel();
+}
 
 QNetworkAccessManager &UrlLoader::network(size_t index)
 {
@@ -130,60 +292,63 @@ QNetworkAccessManager &UrlLoader::network(size_t index)
 
 Result<void> UrlLoader::checkAddress(const QUrl &url)
 {
-    if (!url.isValid())
-        return Error{u"not a valid URL: "_s + url.toString()};
+    if (!url.isValid() || url.host().isEmpty())
+        return Error{u"not a valid address: "_s + url.toString()};
     const QString scheme = url.scheme().toLower();
     if (scheme == u"https"_s)
         return {};
-    if (scheme == u"http"_s && isLoopbackHost(url.host()))
-        return {};
-    return Error{u"only https addresses are used (plain http only on this machine): "_s +
-                 url.toString()};
-}
-
-Result<QByteArray> UrlLoader::read(const QUrl &url)
-{
-    return readAll({url}, 1).first();
-}
-
-QList<Result<QByteArray>> UrlLoader::readAll(const QList<QUrl> &urls, int concurrency,
-                                             qint64 maxBodyBytes)
-{
-    Limits limits = m_limits;
-    if (maxBodyBytes > 0)
-        limits.maxBodyBytes = std::min(maxBodyBytes, m_limits.maxBodyBytes);
-    QObject context;
-    QEventLoop loop;
-    std::vector<std::unique_ptr<Transfer>> transfers;
-    transfers.reserve(static_cast<size_t>(urls.size()));
-
-    qsizetype started = 0;
-    const auto running = [&] {
-        qsizetype count = 0;
-        for (const auto &transfer : transfers)
-            count += transfer->done() ? 0 : 1;
-        return count;
-    };
-    const int slots = std::max(concurrency, 1);
-    const auto startMore = [&] {
-        while (started < urls.size() && running() < slots) {
-            const auto manager = static_cast<size_t>(started % slots / connectionsPerManager);
-            transfers.push_back(
-                std::make_unique<Transfer>(network(manager), urls.at(started), limits, &context));
-            ++started;
-        }
-    };
-    startMore();
-    while (started < urls.size() || running() > 0) {
-        loop.processEvents(QEventLoop::WaitForMoreEvents);
-        startMore();
+    if (scheme == u"http"_s) {
+        if (isLoopbackHost(url.host()))
+            return {};
+        return Error{u"plain http is only accepted to this machine: "_s + url.toString()};
     }
+    return Error{u"only https is accepted: "_s + url.toString()};
+}
 
-    QList<Result<QByteArray>> results;
-    results.reserve(urls.size());
-    for (const auto &transfer : transfers)
-        results.append(transfer->result());
-    return results;
+void UrlLoader::readAll(const QList<QUrl> &urls, int concurrency, qint64 maxBodyBytes, Done done,
+                        Progress progress, std::chrono::milliseconds timeout)
+{
+    const qint64 cap =
+        maxBodyBytes > 0 ? std::min(maxBodyBytes, m_limits.maxBodyBytes) : m_limits.maxBodyBytes;
+    const std::chrono::milliseconds time =
+        timeout.count() > 0 ? std::min(timeout, m_limits.timeout) : m_limits.timeout;
+    m_batches.push_back(std::make_unique<Batch>(*this, urls, concurrency, cap, time,
+                                                std::move(done), std::move(progress)));
+}
+
+void UrlLoader::read(const QUrl &url, std::function<void(Result<QByteArray>)> done)
+{
+    readAll({url}, 1, 0,
+            [done = std::move(done)](Results results) { done(std::move(results.first())); });
+}
+
+UrlLoader::Results UrlLoader::readAllNow(const QList<QUrl> &urls, int concurrency,
+                                         qint64 maxBodyBytes)
+{
+    QEventLoop loop;
+    std::optional<Results> results;
+    readAll(urls, concurrency, maxBodyBytes, [&](Results read) {
+        results = std::move(read);
+        loop.quit();
+    });
+    if (!results)
+        loop.exec();
+    return std::move(*results);
+}
+
+Result<QByteArray> UrlLoader::readNow(const QUrl &url)
+{
+    return readAllNow({url}, 1).first();
+}
+
+void UrlLoader::cancel()
+{
+    m_batches.clear();
+}
+
+void UrlLoader::forget(Batch *batch)
+{
+    std::erase_if(m_batches, [batch](const auto &owned) { return owned.get() == batch; });
 }
 
 } // namespace eventtimer

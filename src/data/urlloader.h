@@ -4,9 +4,11 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QObject>
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -14,42 +16,63 @@ class QNetworkAccessManager;
 
 namespace eventtimer {
 
-// Reads whole bodies of URLs synchronously (a local event loop waits for the reply). Only
-// https is accepted, and plain http to a loopback host. Every read is bounded in time and
-// size, TLS certificates are verified, and any reply error — an HTTP error status, a
-// redirect to a refused address, a time-out, a body over the cap — is a failed read.
-class UrlLoader final
+// Reads whole bodies of URLs, several at a time, without blocking the event loop. Only https is
+// accepted, and plain http to this machine. Redirects are followed here, at most five hops,
+// each checked like the first read. A read succeeds with a 2xx status and its whole body; every
+// other outcome (an error status, a refused address, a certificate not trusted, a time-out, a
+// body over the cap) fails, with the reason in plain words. A body is dropped the moment it
+// passes its cap, so memory stays bounded by the reads in flight times their cap.
+class UrlLoader final : public QObject
 {
+    Q_OBJECT
+
 public:
     struct Limits
     {
+        // For each read, and for a whole batch of reads together.
         std::chrono::milliseconds timeout{30000};
         qint64 maxBodyBytes = 32 * 1024 * 1024;
     };
+    static constexpr int maxRedirects = 5;
+
+    using Results = QList<Result<QByteArray>>;
+    using Done = std::function<void(Results)>;
+    using Progress = std::function<void(int finished, int total)>;
 
     UrlLoader();
     explicit UrlLoader(Limits limits);
-    ~UrlLoader();
+    ~UrlLoader() override;
 
-    Result<QByteArray> read(const QUrl &url);
-    // Reads several URLs at once, at most `concurrency` at a time, each body at most
-    // maxBodyBytes (the loader's own limit when that is 0); results in the order given. Over
-    // HTTP/1.1 one network manager keeps at most six connections to a host, so reads are
-    // spread over as many managers as the concurrency needs.
-    QList<Result<QByteArray>> readAll(const QList<QUrl> &urls, int concurrency,
-                                      qint64 maxBodyBytes = 0);
+    // Starts reading urls, at most `concurrency` at a time, each body at most maxBodyBytes (the
+    // loader's own limit when that is 0). Calls back from the event loop, with the results in
+    // the order given; what is not in when the batch's time is up (the loader's time-out, or
+    // a shorter one given) has failed. Progress is called after each read that ends.
+    void readAll(const QList<QUrl> &urls, int concurrency, qint64 maxBodyBytes, Done done,
+                 Progress progress = {}, std::chrono::milliseconds timeout = {});
+    void read(const QUrl &url, std::function<void(Result<QByteArray>)> done);
 
-    // Whether the loader will talk to this address at all.
+    // The same, waiting in a local event loop: for tools and tests.
+    Results readAllNow(const QList<QUrl> &urls, int concurrency, qint64 maxBodyBytes = 0);
+    Result<QByteArray> readNow(const QUrl &url);
+
+    // Ends every read in flight at once; their callbacks are not called.
+    void cancel();
+
+    // Whether the loader talks to this address at all.
     static Result<void> checkAddress(const QUrl &url);
 
+    const Limits &limits() const { return m_limits; }
+
 private:
-    static constexpr int connectionsPerManager = 6;
+    class Batch;
 
     // Made on first use: a start from the cache never pays for the network stack.
     QNetworkAccessManager &network(size_t index);
+    void forget(Batch *batch);
 
     Limits m_limits;
     std::vector<std::unique_ptr<QNetworkAccessManager>> m_networks;
+    std::vector<std::unique_ptr<Batch>> m_batches;
 };
 
 } // namespace eventtimer

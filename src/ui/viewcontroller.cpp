@@ -36,10 +36,8 @@ QLabel *plainLabel(const QString &text, QWidget *parent)
 
 } // namespace
 
-ViewController::ViewController(SectionSource loadSections, SuiteExporter exportToSharedSuite,
-                               Clock &clock, QObject *parent)
+ViewController::ViewController(SuiteExporter exportToSharedSuite, Clock &clock, QObject *parent)
     : QObject(parent)
-    , m_loadSections(std::move(loadSections))
     , m_exportToSharedSuite(std::move(exportToSharedSuite))
     , m_clock(clock)
     , m_timeLabel(new QLabel)
@@ -91,10 +89,17 @@ void ViewController::loadView()
     row->addWidget(m_horizontalScroll, 1);
     m_verticalScroll->setWidget(m_verticalScrollContent);
 
+    // While loading, and when nothing could be loaded: a message in the middle of the window.
     m_emptyMessage = plainLabel(u"No events could be loaded."_s, m_view);
-    m_emptyMessage->setAlignment(Qt::AlignCenter);
+    m_emptyMessage->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
     m_emptyMessage->hide();
     layout->addWidget(m_emptyMessage, 1);
+    m_statusMessage = plainLabel(QString(), m_view);
+    m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    m_statusMessage->setWordWrap(true);
+    m_statusMessage->setForegroundRole(QPalette::PlaceholderText);
+    m_statusMessage->hide();
+    layout->addWidget(m_statusMessage, 1);
 
     m_clipboardMessage = new QFrame(m_view);
     m_clipboardMessage->setFrameShape(QFrame::StyledPanel);
@@ -117,12 +122,34 @@ void ViewController::loadView()
 void ViewController::viewDidLoad()
 {
     view();
-    m_sections = m_loadSections();
+    m_verticalScroll->hide();
+    m_statusMessage->setAlignment(Qt::AlignCenter);
+    m_statusMessage->setText(u"Loading the events\u2026"_s);
+    m_statusMessage->show();
+}
+
+void ViewController::showProgress(const QString &text)
+{
+    if (!m_loaded)
+        m_statusMessage->setText(text);
+}
+
+void ViewController::loadDidFinish(const SectionList &sections, const QString &problem)
+{
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    m_sections = sections;
+    m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    m_statusMessage->setText(problem);
+    if (m_appeared && !m_built)
+        buildTimetable();
 }
 
 void ViewController::viewDidAppear()
 {
-    if (!m_built)
+    m_appeared = true;
+    if (m_loaded && !m_built)
         buildTimetable();
 }
 
@@ -270,6 +297,7 @@ void ViewController::sizeContents()
     const bool empty = m_sections.isEmpty();
     m_verticalScroll->setVisible(!empty);
     m_emptyMessage->setVisible(empty);
+    m_statusMessage->setVisible(empty && !m_statusMessage->text().isEmpty());
 }
 
 void ViewController::updateCurrentTime()

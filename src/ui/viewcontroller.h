@@ -22,15 +22,14 @@ namespace eventtimer {
 
 class Clock;
 
-// The controller of the timetable window. It builds its views in code, takes the sections at
-// load, builds the timetable once when the view first appears, and keeps the marker and the
-// clock current every minute.
+// The controller of the timetable window. It builds its views in code, shows the loading until
+// the sections are in, builds the timetable once when it has them and the view has appeared,
+// and keeps the marker and the clock current every minute.
 class ViewController : public QObject
 {
     Q_OBJECT
 
 public:
-    using SectionSource = std::function<SectionList()>;
     // Publishes the day's chat-link occurrences, as of the moment the timetable was built.
     using SuiteExporter = std::function<void(const GlobalSequence &, const QDateTime &now)>;
 
@@ -38,17 +37,21 @@ public:
     // How long the clipboard message shows after each copy.
     static constexpr std::chrono::milliseconds clipboardMessageInterval{3000};
 
-    ViewController(SectionSource loadSections, SuiteExporter exportToSharedSuite, Clock &clock,
-                   QObject *parent = nullptr);
+    ViewController(SuiteExporter exportToSharedSuite, Clock &clock, QObject *parent = nullptr);
     ~ViewController() override;
 
     // The root view, built on first use.
     QWidget *view();
 
-    // Once the views exist and before they are shown: takes the sections, once.
+    // Once the views exist and before they are shown: the view shows that it is loading.
     void viewDidLoad();
-    // When the view is shown (its QEvent::Show): the first time builds the timetable; later
-    // ones change nothing.
+    // What is being loaded, for the loading view ("the event document", "icons 3 of 40").
+    void showProgress(const QString &text);
+    // The sections are taken here, once; problem says why there are none, when there are none.
+    // The timetable is built now if the view has appeared.
+    void loadDidFinish(const SectionList &sections, const QString &problem = {});
+    // When the view is shown (its QEvent::Show): builds the timetable if the sections are in;
+    // later appearances change nothing.
     void viewDidAppear();
 
     void buildTimetable();
@@ -69,6 +72,8 @@ public:
     HorizontalScroll *horizontalScroll() const { return m_horizontalScroll; }
     QFrame *clipboardMessage() const { return m_clipboardMessage; }
     QLabel *emptyMessage() const { return m_emptyMessage; }
+    // Under the empty message: why nothing could be loaded; while loading: what is loading.
+    QLabel *statusMessage() const { return m_statusMessage; }
 
     const SectionList &sections() const { return m_sections; }
     const QHash<QString, QGroupBox *> &categories() const { return m_categories; }
@@ -96,7 +101,6 @@ private:
     // Scrolls both areas so that the box with the keyboard's focus ring is in view.
     void revealBox(qsizetype box);
 
-    SectionSource m_loadSections;
     SuiteExporter m_exportToSharedSuite;
     Clock &m_clock;
 
@@ -108,6 +112,7 @@ private:
     QPointer<HorizontalScroll> m_horizontalScroll;
     QPointer<QFrame> m_clipboardMessage;
     QPointer<QLabel> m_emptyMessage;
+    QPointer<QLabel> m_statusMessage;
 
     SectionList m_sections;
     QHash<QString, QGroupBox *> m_categories;
@@ -117,6 +122,8 @@ private:
     QList<QLabel *> m_sectionLabels;
     TimetableGeometry m_geometry;
     QDateTime m_builtAt;
+    bool m_loaded = false;
+    bool m_appeared = false;
     bool m_built = false;
 };
 

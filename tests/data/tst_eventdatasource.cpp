@@ -6,6 +6,8 @@
 #include "model/clock.h"
 #include "testimages.h"
 
+#include <QBuffer>
+#include <QElapsedTimer>
 #include <QSet>
 #include <QSslConfiguration>
 #include <QSslKey>
@@ -57,14 +59,14 @@ class TestEventDataSource : public QObject
     Q_OBJECT
 
 private:
-    QStringList load()
+    QStringList load(int timeoutMs = 2000)
     {
         QString output;
         QTextStream out(&output);
         QTextStream err(&m_errors);
         const SettingsStore settings(*m_settings, err);
         CacheFolder cache(m_cachePath, err);
-        UrlLoader loader({std::chrono::milliseconds(2000), 1024 * 1024});
+        UrlLoader loader({std::chrono::milliseconds(timeoutMs), 1024 * 1024});
         EventDataSource source(settings, cache, loader, *m_clock, out, err);
         m_sections = source.loadSections();
         return output.split(u'\n', Qt::SkipEmptyParts);
@@ -198,6 +200,59 @@ private Q_SLOTS:
         QCOMPARE(m_sections.size(), 2);
         QCOMPARE(m_errors.count(u'\n'), 1);
         QVERIFY(!kept(EventDataSource::dateFile));
+    }
+
+    void hostileServicesCostBoundedTimeAndDisk_data()
+    {
+        QTest::addColumn<EventService::Behaviour>("icons");
+        QTest::addColumn<QString>("said"); // on the error stream
+        QTest::addColumn<int>("kept");     // icon files kept
+        QTest::addColumn<int>("shown");    // icons shown
+
+        QImage huge(1500, 1200, QImage::Format_RGB32);
+        huge.fill(Qt::darkGreen);
+        QByteArray png;
+        QBuffer buffer(&png);
+        buffer.open(QIODevice::WriteOnly);
+        huge.save(&buffer, "PNG");
+        QTest::newRow("a picture of 1500 x 1200 is drawn at 512 x 410")
+            << EventService::Behaviour{.body = png} << QString() << 3 << 3;
+        QTest::newRow("bodies without a length, past the cap")
+            << EventService::Behaviour{.oversizeBytes = 3 * 1024 * 1024, .noLength = true}
+            << u"body larger than 1 MiB"_s << 0 << 0;
+        QTest::newRow("one byte a second: the icons' time is up together")
+            << EventService::Behaviour{.body = pngBytes(Qt::red), .dripMs = 1000}
+            << u"timed out after 1.5 s"_s << 0 << 0;
+    }
+
+    void hostileServicesCostBoundedTimeAndDisk()
+    {
+        QFETCH(EventService::Behaviour, icons);
+        QFETCH(QString, said);
+        QFETCH(int, kept);
+        QFETCH(int, shown);
+
+        m_service->setBehaviour(u"*"_s, icons);
+        m_service->setBehaviour(EventService::documentPath.toString(), {.redirects = 2});
+        m_service->setDocument(R"([{"category": "C", "name": "S", "segments": {
+            "0": {"name": "A", "icon": "{service}/i/A/1.png"},
+            "1": {"name": "B", "icon": "{service}/i/B/1.png"},
+            "2": {"name": "C", "icon": "{service}/i/C/1.png"}},
+            "sequences": {"partial": [], "pattern": [{"d": 1440, "r": 0}]}}])");
+        QElapsedTimer elapsed;
+        elapsed.start();
+        QCOMPARE(load(1500), (QStringList{connectionOk, jsonOk}));
+        QCOMPARE_LT(elapsed.elapsed(), 4000);
+        QVERIFY2(m_errors.contains(said), qPrintable(m_errors));
+        QCOMPARE(QDir(m_cachePath + u"/icons"_s).entryList(QDir::Files).size(), kept);
+        int drawn = 0;
+        for (const auto &event : m_sections.first()->events) {
+            if (event->icon) {
+                ++drawn;
+                QCOMPARE_LE(event->icon->image().width(), Icon::maxSide);
+            }
+        }
+        QCOMPARE(drawn, shown);
     }
 
     void certificatesAreVerified()

@@ -32,7 +32,7 @@ private Q_SLOTS:
             QVERIFY(icons.has(url));
         }
         UrlLoader loader;
-        QVERIFY(icons.fetchMissing({u"https://a.test/a/X/1.png"_s}, loader, 4).isEmpty());
+        QVERIFY(icons.fetchMissingNow({u"https://a.test/a/X/1.png"_s}, loader, 4).isEmpty());
         QCOMPARE(cache.read(IconCache::fileName(u"X_1"_s), 10), std::optional("junk"_ba));
     }
 
@@ -48,7 +48,7 @@ private Q_SLOTS:
         QStringList asked;
         for (int i = 0; i <= IconCache::maxFetchedPerDocument; ++i)
             asked.append(u"http://far.example.test/set/"_s + QString::number(i) + u"/1.png"_s);
-        QCOMPARE(cache.fetchMissing(asked, loader, 20).size(), IconCache::maxFetchedPerDocument);
+        QCOMPARE(cache.fetchMissingNow(asked, loader, 20).size(), IconCache::maxFetchedPerDocument);
         QVERIFY(err.startsWith(u"eventtimer: the document asks for more than 1000 new icons"_s));
 
         // An icon larger than 1 MiB is not taken.
@@ -56,8 +56,9 @@ private Q_SLOTS:
         QVERIFY(service.listen());
         service.setBehaviour(u"*"_s, {.oversizeBytes = IconCache::maxIconBytes + 1});
         err.clear();
-        QVERIFY(!cache.fetchMissing({service.baseUrl().toString() + u"/big/B/1.png"_s}, loader, 4)
-                     .value(service.baseUrl().toString() + u"/big/B/1.png"_s));
+        QVERIFY(
+            !cache.fetchMissingNow({service.baseUrl().toString() + u"/big/B/1.png"_s}, loader, 4)
+                 .value(service.baseUrl().toString() + u"/big/B/1.png"_s));
         QVERIFY2(err.contains(u"body larger than 1 MiB"_s), qPrintable(err));
     }
 
@@ -87,7 +88,7 @@ private Q_SLOTS:
         const QStringList asked{base + u"/a/X/1.png"_s, base + u"/b/X/1.png"_s,
                                 base + u"/a/X/1.png"_s, base + u"/c/X/1.png"_s,
                                 base + u"/z/Z/3.png"_s, base + u"/d/Y/2.png"_s};
-        const QHash<QString, bool> fetched = cache.fetchMissing(asked, loader, 4);
+        const QHash<QString, bool> fetched = cache.fetchMissingNow(asked, loader, 4);
         QCOMPARE(fetched, (QHash<QString, bool>{
                               {asked.at(0), false}, {asked.at(1), true}, {asked.at(5), true}}));
         QCOMPARE(service.totalRequests(), 3);
@@ -100,7 +101,7 @@ private Q_SLOTS:
                  std::optional(pngBytes(Qt::blue)));
         IconCache later(folder, errors);
         QCOMPARE(later.icon(asked.at(5))->image().pixelColor(0, 0), QColor(Qt::blue));
-        QVERIFY(later.fetchMissing(asked, loader, 4).isEmpty());
+        QVERIFY(later.fetchMissingNow(asked, loader, 4).isEmpty());
         QCOMPARE(service.totalRequests(), 3);
     }
 };

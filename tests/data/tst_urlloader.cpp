@@ -24,6 +24,10 @@ private Q_SLOTS:
             << EventService::Behaviour{.closeMidBody = true} << false;
         QTest::newRow("slower than the time-out")
             << EventService::Behaviour{.delayMs = 3000} << false;
+        QTest::newRow("a redirect chain over closing connections")
+            << EventService::Behaviour{.redirects = 2} << true;
+        QTest::newRow("a chain of more than five redirects")
+            << EventService::Behaviour{.redirects = 6} << false;
         QTest::newRow("a body over the cap")
             << EventService::Behaviour{.oversizeBytes = 300 * 1024} << false;
     }
@@ -38,9 +42,9 @@ private Q_SLOTS:
         service.setDocument("[1]");
         service.setBehaviour(EventService::documentPath.toString(), behaviour);
         UrlLoader loader({std::chrono::milliseconds(1000), 256 * 1024});
-        const Result<QByteArray> body =
-            loader.read(QUrl(service.baseUrl().toString() + EventService::documentPath.toString()));
-        QCOMPARE(body.ok(), succeeds);
+        const Result<QByteArray> body = loader.readNow(
+            QUrl(service.baseUrl().toString() + EventService::documentPath.toString()));
+        QVERIFY2(body.ok() == succeeds, qPrintable(body.ok() ? QString() : body.error()));
         if (succeeds)
             QCOMPARE(body.value(), "[1]"_ba);
     }
@@ -53,9 +57,9 @@ private Q_SLOTS:
         const QString base = service.baseUrl().toString();
         UrlLoader loader;
         const QList<Result<QByteArray>> bodies =
-            loader.readAll({QUrl(base + u"/missing"_s), QUrl(base + u"/api/events/sequence"_s),
-                            QUrl(u"http://example.test/x"_s)},
-                           2);
+            loader.readAllNow({QUrl(base + u"/missing"_s), QUrl(base + u"/api/events/sequence"_s),
+                               QUrl(u"http://example.test/x"_s)},
+                              2);
         QCOMPARE(bodies.size(), 3);
         QVERIFY(!bodies.at(0));
         QCOMPARE(bodies.at(1).value(), "[2]"_ba);

@@ -13,12 +13,12 @@ class SmallTimetable
 {
 public:
     explicit SmallTimetable(QSize size = QSize(1000, 600))
-        : m_controller(std::make_unique<eventtimer::ViewController>(
-              [] { return eventtimer::testing::SmallDay::sections(); }, nullptr, m_clock))
+        : m_controller(std::make_unique<eventtimer::ViewController>(nullptr, m_clock))
     {
         QWidget *view = m_controller->view();
         view->resize(size);
         m_controller->viewDidLoad();
+        m_controller->loadDidFinish(eventtimer::testing::SmallDay::sections());
         view->show();
         m_controller->viewDidAppear();
     }

@@ -26,17 +26,19 @@ SectionList sampleSections(const Clock &clock)
 struct Window
 {
     explicit Window(bool withSections)
-        : controller(
-              [this, withSections] { return withSections ? sampleSections(clock) : SectionList(); },
-              [this](const GlobalSequence &sequence, const QDateTime &) {
-                  exported.append(sequence);
-              },
-              clock)
+        : controller([this](const GlobalSequence &sequence,
+                            const QDateTime &) { exported.append(sequence); },
+                     clock)
     {
         controller.view()->resize(1200, 700);
         controller.viewDidLoad();
+        // The view may show before the sections are in; the timetable waits for them.
         controller.view()->show();
         controller.viewDidAppear();
+        if (withSections)
+            controller.loadDidFinish(sampleSections(clock));
+        else
+            controller.loadDidFinish({}, u"connection refused"_s);
     }
 
     ManualClock clock{QDateTime(QDate(2026, 11, 22), QTime(12, 34, 59, 900), QTimeZone::utc()),
@@ -133,6 +135,8 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
         QVERIFY(controller.emptyMessage()->isVisible());
         QCOMPARE(controller.emptyMessage()->text(), u"No events could be loaded."_s);
+        QVERIFY(controller.statusMessage()->isVisible());
+        QCOMPARE(controller.statusMessage()->text(), u"connection refused"_s);
         QVERIFY(!controller.verticalScroll()->isVisible());
         QCOMPARE(window.exported, QList<GlobalSequence>{GlobalSequence()});
         QCOMPARE(controller.geometry().contentHeight, 7.0);

@@ -19,6 +19,8 @@ QByteArray reasonPhrase(int status)
     switch (status) {
     case 200:
         return "OK";
+    case 302:
+        return "Found";
     case 404:
         return "Not Found";
     case 500:
@@ -122,6 +124,8 @@ int EventService::totalRequests() const
 
 EventService::Behaviour EventService::behaviourFor(const QString &path) const
 {
+    if (path.startsWith(u"/r/"_s))
+        return {};
     return m_behaviours.value(path, m_behaviours.value(u"*"_s));
 }
 
@@ -149,7 +153,33 @@ void EventService::onConnection()
 
 void EventService::respond(QTcpSocket *socket, const QString &path)
 {
-    const Behaviour behaviour = behaviourFor(path);
+    // A redirect chain: the path goes to /r/1, /r/k to /r/k+1, the last back to the path's own
+    // answer, each hop a 302 on a connection that closes.
+    const auto redirect = [this, socket](const QByteArray &to) {
+        send(socket, 302, "text/plain", {}, {}, to);
+    };
+    if (path.startsWith(u"/r/"_s) && !path.startsWith(u"/r/end/"_s)) {
+        const QStringList parts = path.split(u'/');
+        const int hop = parts.value(2).toInt();
+        const QString target = u'/' + parts.mid(3).join(u'/');
+        if (hop < behaviourFor(target).redirects)
+            redirect("/r/" + QByteArray::number(hop + 1) + target.toUtf8());
+        else
+            respond(socket, u"/r/end"_s + target);
+        return;
+    }
+    const bool chainEnd = path.startsWith(u"/r/end/"_s);
+    const QString own = chainEnd ? path.mid(6) : path;
+    const Behaviour behaviour = chainEnd ? Behaviour{} : behaviourFor(own);
+    if (behaviour.redirects > 0) {
+        redirect("/r/1" + own.toUtf8());
+        return;
+    }
+    respondWith(socket, own, behaviour);
+}
+
+void EventService::respondWith(QTcpSocket *socket, const QString &path, const Behaviour &behaviour)
+{
     QByteArray body;
     int status = 404;
     if (path == documentPath) {
@@ -173,8 +203,11 @@ void EventService::respond(QTcpSocket *socket, const QString &path)
         status = behaviour.status;
         body = "failure on purpose";
     }
-    if (behaviour.oversizeBytes > 0)
-        body = QByteArray(behaviour.oversizeBytes, ' ');
+    // A body of the behaviour's answers any path.
+    if (behaviour.oversizeBytes > 0 || !behaviour.body.isNull()) {
+        status = 200;
+        body = behaviour.body.isNull() ? QByteArray(behaviour.oversizeBytes, ' ') : behaviour.body;
+    }
 
     QPointer<QTcpSocket> guarded(socket);
     const QByteArray type = contentType(path);
@@ -189,17 +222,37 @@ void EventService::respond(QTcpSocket *socket, const QString &path)
 }
 
 void EventService::send(QTcpSocket *socket, int status, const QByteArray &type,
-                        const QByteArray &body, const Behaviour &behaviour)
+                        const QByteArray &body, const Behaviour &behaviour,
+                        const QByteArray &location)
 {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(status) + ' ' + reasonPhrase(status) +
-                      "\r\nContent-Type: " + type +
-                      "\r\nContent-Length: " + QByteArray::number(body.size()) +
-                      "\r\nConnection: close\r\n\r\n";
-    socket->write(head);
+                      "\r\nContent-Type: " + type;
+    if (!location.isEmpty())
+        head += "\r\nLocation: " + location;
+    if (!behaviour.noLength)
+        head += "\r\nContent-Length: " + QByteArray::number(body.size());
+    socket->write(head + "\r\nConnection: close\r\n\r\n");
     if (behaviour.closeMidBody) {
         socket->write(body.left(body.size() / 2));
         socket->flush();
         socket->abort();
+        return;
+    }
+    if (behaviour.dripMs > 0) {
+        // One byte at a time, for as long as the body lasts or the reader stays.
+        QPointer<QTcpSocket> guarded(socket);
+        auto *drip = new QTimer(socket);
+        auto sent = std::make_shared<qsizetype>(0);
+        connect(drip, &QTimer::timeout, socket, [guarded, drip, body, sent] {
+            if (!guarded || *sent >= body.size()) {
+                if (guarded)
+                    guarded->disconnectFromHost();
+                drip->stop();
+                return;
+            }
+            guarded->write(body.mid((*sent)++, 1));
+        });
+        drip->start(behaviour.dripMs);
         return;
     }
     socket->write(body);

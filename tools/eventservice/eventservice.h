@@ -15,9 +15,10 @@ namespace eventtimer {
 // A small event service for the demo and the tests: serves an event document at
 // /api/events/sequence and the files of a folder (icons) under their paths, over plain HTTP on
 // loopback, or over HTTPS with a certificate it is given. "{service}" in the document stands for
-// the service's own address. It counts requests per path and can be told to misbehave for a path:
-// answer late, answer an error status, close the connection in the middle of the body, or send a
-// body larger than asked.
+// the service's own address. It counts requests per path and can be told to misbehave for a path
+// as a broken or hostile service would: answer late, answer an error status, close the
+// connection in the middle of the body, send a body larger than asked or one of its choosing,
+// send it without a length or one byte at a time, or redirect through a chain first.
 class EventService : public QObject
 {
     Q_OBJECT
@@ -35,6 +36,15 @@ public:
         bool closeMidBody = false;
         // When set, the body is this many bytes of padding instead of the real content.
         qint64 oversizeBytes = 0;
+        // When set, the body instead of the real content.
+        QByteArray body;
+        // No Content-Length: the end of the body is where the connection closes.
+        bool noLength = false;
+        // The body one byte per this many milliseconds, after the headers at once.
+        int dripMs = 0;
+        // A chain of this many redirects (302, empty body, connection closed) through
+        // /r/1, /r/2, … before the path's own answer.
+        int redirects = 0;
     };
 
     explicit EventService(QObject *parent = nullptr);
@@ -61,8 +71,9 @@ public:
 private:
     void onConnection();
     void respond(QTcpSocket *socket, const QString &path);
+    void respondWith(QTcpSocket *socket, const QString &path, const Behaviour &behaviour);
     void send(QTcpSocket *socket, int status, const QByteArray &type, const QByteArray &body,
-              const Behaviour &behaviour);
+              const Behaviour &behaviour, const QByteArray &location = {});
     Behaviour behaviourFor(const QString &path) const;
 
     std::unique_ptr<QTcpServer> m_server;

@@ -1,0 +1,74 @@
+#include "app/timetablewindow.h"
+#include "eventservice/eventservice.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace eventtimer;
+using namespace Qt::StringLiterals;
+
+class TestTimetableWindow : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_home;
+    EventService m_service;
+    ManualClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
+                        QTimeZone::utc()};
+
+    int documentRequests() const
+    {
+        return m_service.requestCount(EventService::documentPath.toString());
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+            qputenv(variable, m_home.filePath(QString::fromLatin1(variable)).toUtf8());
+        QVERIFY(m_service.listen());
+        m_service.setDocument(R"([{"category": "C", "name": "S", "segments": {"0": {"name": "A"}},
+            "sequences": {"partial": [], "pattern": [{"d": 60, "r": 0}]}}])");
+        QSettings settings(SettingsStore::openStandard()->fileName(), QSettings::IniFormat);
+        settings.setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
+    }
+
+    void showsItsLoadingThenReloadsIntoANewTimetable()
+    {
+        m_service.setBehaviour(EventService::documentPath.toString(), {.delayMs = 300});
+        TimetableWindow window(m_clock);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window.window()));
+        QVERIFY(window.controller().statusMessage()->isVisible());
+        QVERIFY(window.controller().statusMessage()->text().startsWith(
+            u"Loading the events from 127.0.0.1"_s));
+        QTRY_VERIFY(window.controller().isBuilt());
+        const ViewController *first = &window.controller();
+
+        // F5: downloaded again, though the copy is fresh; the new timetable takes the place.
+        QTest::keyClick(&window.window(), Qt::Key_F5);
+        QTRY_COMPARE(documentRequests(), 2);
+        QTRY_VERIFY(&window.controller() != first && window.controller().isBuilt());
+        QVERIFY(window.controller().view()->isVisible());
+    }
+
+    void aWindowGoneWhileLoadingDropsItAtOnce()
+    {
+        m_service.setBehaviour(EventService::documentPath.toString(), {.delayMs = 5000});
+        QElapsedTimer elapsed;
+        elapsed.start();
+        {
+            TimetableWindow window(m_clock);
+            window.show();
+            window.reload();
+            QTRY_VERIFY(documentRequests() >= 3);
+        }
+        QTest::qWait(100); // nothing of it may call back
+        QCOMPARE_LT(elapsed.elapsed(), 2000);
+    }
+};
+
+QTEST_MAIN(TestTimetableWindow)
+#include "tst_timetablewindow.moc"
