@@ -206,7 +206,7 @@ void EventService::respondWith(QTcpSocket *socket, const QString &path, const Be
     // A body of the behaviour's answers any path.
     if (behaviour.oversizeBytes > 0 || !behaviour.body.isNull()) {
         status = 200;
-        body = behaviour.body.isNull() ? QByteArray(behaviour.oversizeBytes, ' ') : behaviour.body;
+        body = behaviour.body;
     }
 
     QPointer<QTcpSocket> guarded(socket);
@@ -229,9 +229,28 @@ void EventService::send(QTcpSocket *socket, int status, const QByteArray &type,
                       "\r\nContent-Type: " + type;
     if (!location.isEmpty())
         head += "\r\nLocation: " + location;
+    const qint64 length = behaviour.oversizeBytes > 0 ? behaviour.oversizeBytes : body.size();
     if (!behaviour.noLength)
-        head += "\r\nContent-Length: " + QByteArray::number(body.size());
+        head += "\r\nContent-Length: " + QByteArray::number(length);
     socket->write(head + "\r\nConnection: close\r\n\r\n");
+    if (behaviour.oversizeBytes > 0) {
+        // Padding, a piece at a time as the reader takes it: a service that sends gigabytes
+        // stays small here, and a reader that stops reading stops it.
+        static constexpr qint64 piece = 64 * 1024;
+        auto left = std::make_shared<qint64>(length);
+        const auto more = [socket, left] {
+            if (*left <= 0 || socket->bytesToWrite() > piece)
+                return;
+            const qint64 now = std::min(piece, *left);
+            *left -= now;
+            socket->write(QByteArray(now, ' '));
+            if (*left <= 0)
+                socket->disconnectFromHost();
+        };
+        connect(socket, &QTcpSocket::bytesWritten, socket, more);
+        more();
+        return;
+    }
     if (behaviour.closeMidBody) {
         socket->write(body.left(body.size() / 2));
         socket->flush();
