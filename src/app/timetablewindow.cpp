@@ -4,6 +4,8 @@
 #include "ui/eventhook.h"
 
 #include <QAction>
+#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QScreen>
 
 using namespace Qt::StringLiterals;
@@ -23,14 +25,65 @@ TimetableWindow::TimetableWindow(Clock &clock, QObject *parent)
     m_window.setMinimumSize(640, 360);
     m_stack = new QStackedWidget(&m_window);
     m_window.setCentralWidget(m_stack);
-    const QSize available = m_window.screen()->availableSize();
-    m_window.resize(std::min(1280, available.width()), std::min(800, available.height()));
+    restoreGeometry();
+    addActions();
+    new EventHook(&m_window, QEvent::Close, [this] { saveGeometry(); });
+}
 
-    auto *reloading = new QAction(u"Reload"_s, &m_window);
-    reloading->setShortcut(QKeySequence::Refresh);
-    reloading->setShortcutContext(Qt::WindowShortcut);
-    connect(reloading, &QAction::triggered, this, &TimetableWindow::reload);
-    m_window.addAction(reloading);
+void TimetableWindow::addActions()
+{
+    const auto add = [this](const QString &text, const QList<QKeySequence> &keys, auto slot) {
+        auto *action = new QAction(text, &m_window);
+        action->setShortcuts(keys);
+        action->setShortcutContext(Qt::WindowShortcut);
+        connect(action, &QAction::triggered, this, slot);
+        m_window.addAction(action);
+    };
+    add(u"Reload"_s, {QKeySequence::Refresh}, [this] { reload(); });
+    add(u"Quit"_s, {QKeySequence::Quit}, [] { QCoreApplication::quit(); });
+    add(u"Close"_s, {QKeySequence::Close}, [this] { m_window.close(); });
+    add(u"Full screen"_s, {QKeySequence(Qt::Key_F11)},
+        [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
+}
+
+void TimetableWindow::restoreGeometry()
+{
+    // Where it was, within the screens there are now: a screen that is gone, or smaller, takes
+    // the window onto one that is there.
+    const QRect saved = m_settings.value(settingskeys::windowGeometry).toRect();
+    QScreen *screen = saved.isValid() ? QGuiApplication::screenAt(saved.center()) : nullptr;
+    if (!screen)
+        screen = m_window.screen();
+    const QRect area = screen->availableGeometry();
+    QRect placed = saved.isValid() ? saved : QRect(QPoint(), QSize(1280, 800));
+    placed.setSize(placed.size().expandedTo(m_window.minimumSize()).boundedTo(area.size()));
+    if (!saved.isValid() || !area.contains(placed))
+        placed.moveTopLeft(QPoint(
+            std::clamp(placed.left(), area.left(), area.left() + area.width() - placed.width()),
+            std::clamp(placed.top(), area.top(), area.top() + area.height() - placed.height())));
+    if (saved.isValid())
+        m_window.setGeometry(placed);
+    else
+        m_window.resize(placed.size());
+}
+
+void TimetableWindow::saveGeometry()
+{
+    if (m_settings.isDamaged())
+        return; // said once when it was read, and left as it is
+    m_settings.setValue(settingskeys::windowGeometry, m_window.normalGeometry());
+    m_settings.setValue(settingskeys::windowMaximized, m_window.isMaximized());
+    if (const Status saved = m_settings.sync(); !saved)
+        m_err << "eventtimer: " << saved.error() << Qt::endl;
+}
+
+void TimetableWindow::bringToFront()
+{
+    if (m_window.isMinimized())
+        m_window.showNormal();
+    m_window.show();
+    m_window.raise();
+    m_window.activateWindow();
 }
 
 TimetableWindow::~TimetableWindow()
@@ -42,7 +95,10 @@ TimetableWindow::~TimetableWindow()
 void TimetableWindow::show()
 {
     load(false);
-    m_window.show();
+    if (m_settings.value(settingskeys::windowMaximized).toBool())
+        m_window.showMaximized();
+    else
+        m_window.show();
 }
 
 void TimetableWindow::reload()

@@ -33,6 +33,8 @@ public:
     void show();
     // Downloads the document again, whatever its age, and builds a new timetable from it.
     void reload();
+    // Shows the window in front of the others (a second start asked for it).
+    void bringToFront();
 
     QMainWindow &window() { return m_window; }
     ViewController &controller() { return *m_controller; }
@@ -43,6 +45,9 @@ Q_SIGNALS:
     void timetableReplaced();
 
 private:
+    void addActions();
+    void restoreGeometry();
+    void saveGeometry();
     void load(bool download);
     QString progressText(EventDataSource::Stage stage, int done, int total) const;
 

@@ -13,6 +13,9 @@ namespace eventtimer {
 // Every key the program keeps in the user's settings file, in one place.
 namespace settingskeys {
 inline constexpr QStringView serviceUrl = u"event_service_url";
+// The window as it was last closed: its normal geometry, and whether it was maximized.
+inline constexpr QStringView windowGeometry = u"window/geometry";
+inline constexpr QStringView windowMaximized = u"window/maximized";
 } // namespace settingskeys
 
 // The settings a user may edit, as plain INI text: $XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf.

@@ -16,12 +16,12 @@ namespace {
 
 constexpr double cornerRadius = 4.0;
 
-void drawHaloText(QPainter &painter, QPointF topLeft, const QStaticText &text)
+void drawHaloText(QPainter &painter, QPointF topLeft, const QStaticText &text, bool onDark)
 {
-    painter.setPen(QColor(255, 255, 255, 170));
+    painter.setPen(onDark ? QColor(0, 0, 0, 170) : QColor(255, 255, 255, 170));
     painter.drawStaticText(topLeft + QPointF(-1, 0), text);
     painter.drawStaticText(topLeft + QPointF(1, 0), text);
-    painter.setPen(Qt::black);
+    painter.setPen(onDark ? Qt::white : Qt::black);
     painter.drawStaticText(topLeft, text);
 }
 
@@ -49,6 +49,18 @@ void drawCopyGlyph(QPainter &painter, const QRectF &button)
 }
 
 } // namespace
+
+bool EventBoxPainter::isDark(const QColor &fill, const QColor &background)
+{
+    const double alpha = fill.alphaF();
+    const auto lay = [alpha](float front, float back) {
+        return alpha * front + (1 - alpha) * back;
+    };
+    const double red = lay(fill.redF(), background.redF());
+    const double green = lay(fill.greenF(), background.greenF());
+    const double blue = lay(fill.blueF(), background.blueF());
+    return 0.299 * red + 0.587 * green + 0.114 * blue < 0.5;
+}
 
 void EventBoxPainter::setFont(const QFont &font)
 {
@@ -145,16 +157,20 @@ void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, cons
     painter.save();
     painter.setClipRect(rect);
     painter.setFont(m_font);
+    const bool onDark = isDark(event.backgroundColor.toQColor(), m_background);
     const double textHeight = QFontMetricsF(m_font).height();
-    drawHaloText(painter, EventBoxGeometry::nameRect(rect, textHeight).topLeft(), nameText(box));
+    drawHaloText(painter, EventBoxGeometry::nameRect(rect, textHeight).topLeft(), nameText(box),
+                 onDark);
     const QStaticText &time = timeText(box.startText);
     drawHaloText(
         painter,
-        EventBoxGeometry::timeRect(rect, time.size().width(), time.size().height()).topLeft(),
-        time);
+        EventBoxGeometry::timeRect(rect, time.size().width(), time.size().height()).topLeft(), time,
+        onDark);
 
     if (event.icon) {
         const QPixmap &icon = iconOf(event);
+        // Drawn from all the pixels the picture has, at the screen's own resolution.
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.setOpacity(0.5);
         painter.drawPixmap(EventBoxGeometry::iconRect(rect, icon.deviceIndependentSize()), icon,
                            icon.rect());

@@ -38,10 +38,16 @@ public:
         std::optional<QColor> focusRing;
     };
 
-    // The font of the names and times, and the pixel ratio of what is painted on; a change
-    // drops what was prepared.
+    // The font of the names and times, the pixel ratio of what is painted on, and the colour
+    // the boxes' translucent fills lie on; a change drops what was prepared.
     void setFont(const QFont &font);
     void setDevicePixelRatio(qreal ratio);
+    void setBackground(const QColor &background) { m_background = background; }
+
+    // Dark text with a light halo on a box that is light once its fill lies on the
+    // background, light text with a dark halo on a dark one: names read on any document's
+    // colours, in a light desktop theme and a dark one.
+    static bool isDark(const QColor &fill, const QColor &background);
     void clear();
 
     void paint(QPainter &painter, const EventBoxGeometry &box, const State &state);
@@ -54,6 +60,7 @@ private:
 
     QFont m_font;
     qreal m_ratio = 1.0;
+    QColor m_background = Qt::white;
     // Names cut to their box's width, keyed by name and width.
     QHash<QString, QStaticText> m_names;
     QHash<QString, QStaticText> m_times;

@@ -101,6 +101,7 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
     const QRectF exposed = event->rect();
     m_painter.setFont(font());
     m_painter.setDevicePixelRatio(devicePixelRatioF());
+    m_painter.setBackground(palette().color(QPalette::Window));
 
     if (m_markerX) {
         painter.fillRect(QRectF(*m_markerX, 0, 1.0, height()), Qt::red);
@@ -328,6 +329,17 @@ QVariant TimelineWidget::inputMethodQuery(Qt::InputMethodQuery query) const
         return QRect(visible.topLeft(), QSize(1, 1));
     }
     return QWidget::inputMethodQuery(query);
+}
+
+void TimelineWidget::changeEvent(QEvent *event)
+{
+    // A new theme or font: every box is drawn anew.
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+        m_painter.clear();
+        m_boxPixmaps.clear();
+        update();
+    }
+    QWidget::changeEvent(event);
 }
 
 bool TimelineWidget::event(QEvent *event)

@@ -54,6 +54,39 @@ private Q_SLOTS:
         QVERIFY(window.controller().view()->isVisible());
     }
 
+    // The offscreen screen is 800 x 800.
+    void opensWhereItWasClosedWithinTheScreen_data()
+    {
+        QTest::addColumn<QVariant>("saved");
+        QTest::addColumn<QRect>("opened");
+        QTest::newRow("first start: as large as fits") << QVariant() << QRect(0, 0, 800, 800);
+        QTest::newRow("where it was")
+            << QVariant(QRect(100, 50, 650, 400)) << QRect(100, 50, 650, 400);
+        QTest::newRow("on a screen that is gone")
+            << QVariant(QRect(5000, 5000, 700, 400)) << QRect(100, 400, 700, 400);
+        QTest::newRow("larger than the screen")
+            << QVariant(QRect(-50, 20, 2000, 400)) << QRect(0, 20, 800, 400);
+        QTest::newRow("smaller than it can be")
+            << QVariant(QRect(300, 300, 100, 100)) << QRect(160, 300, 640, 360);
+    }
+
+    void opensWhereItWasClosedWithinTheScreen()
+    {
+        QFETCH(QVariant, saved);
+        QFETCH(QRect, opened);
+        {
+            QSettings settings(SettingsStore::openStandard()->fileName(), QSettings::IniFormat);
+            settings.setValue(settingskeys::windowGeometry.toString(), saved);
+        }
+        TimetableWindow window(m_clock);
+        QCOMPARE(window.window().geometry(), opened);
+
+        window.window().setGeometry(120, 80, 660, 410);
+        window.window().close();
+        TimetableWindow next(m_clock);
+        QCOMPARE(next.window().geometry(), QRect(120, 80, 660, 410));
+    }
+
     void aWindowGoneWhileLoadingDropsItAtOnce()
     {
         m_service.setBehaviour(EventService::documentPath.toString(), {.delayMs = 5000});

@@ -44,6 +44,7 @@ constexpr const char *help =
     "  --at DATETIME  check the day of DATETIME instead of today: ISO 8601, such as\n"
     "                 2026-11-22T12:00:00 (local time) or 2026-11-22T10:00:00Z\n"
     "  -h, --help     show this help\n"
+    "  --version      show the version\n"
     "\n"
     "Exit status: 0 every section is valid, 1 a section was skipped, 2 FILE could not be read\n"
     "as an array of sections or the command line is wrong.\n";
@@ -51,6 +52,7 @@ constexpr const char *help =
 struct Options
 {
     bool help = false;
+    bool version = false;
     bool json = false;
     bool exportArrays = false;
     QDateTime now;
@@ -74,18 +76,20 @@ Result<Options> parseArguments(const QStringList &arguments, const QDateTime &no
                                const QTimeZone &zone)
 {
     const QCommandLineOption helpOption(QStringList{u"h"_s, u"help"_s});
+    const QCommandLineOption versionOption(u"version"_s);
     const QCommandLineOption jsonOption(u"json"_s);
     const QCommandLineOption exportOption(u"export"_s);
     const QCommandLineOption atOption(u"at"_s, QString(), u"DATETIME"_s);
     QCommandLineParser parser;
-    parser.addOptions({helpOption, jsonOption, exportOption, atOption});
+    parser.addOptions({helpOption, versionOption, jsonOption, exportOption, atOption});
     // The parser skips the first argument as the program's name.
     if (!parser.parse(QStringList{u"eventtimer-check"_s} + arguments))
         return Error{parser.errorText()};
 
     Options options;
     options.help = parser.isSet(helpOption);
-    if (options.help)
+    options.version = parser.isSet(versionOption);
+    if (options.help || options.version)
         return options;
     options.json = parser.isSet(jsonOption);
     options.exportArrays = parser.isSet(exportOption);
@@ -334,8 +338,11 @@ int run(const QStringList &arguments, QTextStream &out, QTextStream &err, const 
         return exitUnreadable;
     }
     const Options &given = options.value();
-    if (given.help) {
-        out << usage << help;
+    if (given.help || given.version) {
+        if (given.help)
+            out << usage << help;
+        else
+            out << "eventtimer-check " << EVENTTIMER_VERSION << '\n';
         out.flush();
         return exitValid;
     }
