@@ -16,8 +16,6 @@ using namespace eventtimer;
 using namespace Qt::StringLiterals;
 using namespace eventtimer::bench;
 
-namespace {} // namespace
-
 class BenchTimetable : public QObject
 {
     Q_OBJECT
