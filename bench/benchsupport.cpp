@@ -45,15 +45,20 @@ double median(QList<double> values)
     return values.at(values.size() / 2);
 }
 
-qint64 peakResidentKb()
+qint64 processStatus(const QByteArray &field)
 {
     QFile status(u"/proc/self/status"_s);
     if (!status.open(QIODevice::ReadOnly))
         return -1;
     for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong();
+        if (line.startsWith(field + ':'))
+            return line.mid(field.size() + 1).trimmed().split(' ').first().toLongLong();
     return -1;
+}
+
+qint64 peakResidentKb()
+{
+    return processStatus("VmHWM");
 }
 
 } // namespace eventtimer::bench

@@ -24,6 +24,9 @@ QJsonArray stressDocument();
 // The middle value of a set of timings.
 double median(QList<double> values);
 
+// A number of /proc/self/status ("VmRSS" in kB, "voluntary_ctxt_switches", …); -1 when it
+// cannot be read.
+qint64 processStatus(const QByteArray &field);
 // The process's peak resident memory so far, in kB (-1 when it cannot be read).
 qint64 peakResidentKb();
 

@@ -52,6 +52,22 @@ int answerCommandLine(int argc, char *argv[])
     return -1;
 }
 
+// EVENTTIMER_NOW=2026-11-22T23:58:00 starts the clock at that local time (for rehearsing a
+// reminder or the change of day); it runs on from there.
+std::chrono::milliseconds clockShift()
+{
+    const QString wanted = qEnvironmentVariable("EVENTTIMER_NOW");
+    if (wanted.isEmpty())
+        return {};
+    const QDateTime start = QDateTime::fromString(wanted, Qt::ISODate);
+    if (!start.isValid()) {
+        std::fprintf(stderr, "eventtimer: EVENTTIMER_NOW is no date and time: %s\n",
+                     qUtf8Printable(wanted));
+        return {};
+    }
+    return std::chrono::milliseconds(QDateTime::currentDateTimeUtc().msecsTo(start));
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -80,7 +96,7 @@ int main(int argc, char *argv[])
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
                      &eventtimer::AppDelegate::applicationWillTerminate);
 
-    eventtimer::SystemClock clock;
+    eventtimer::SystemClock clock(clockShift());
     eventtimer::TimetableWindow window(clock);
     QObject::connect(&instance, &eventtimer::SingleInstance::activationRequested, &window,
                      &eventtimer::TimetableWindow::bringToFront);

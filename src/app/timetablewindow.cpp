@@ -1,12 +1,17 @@
 #include "app/timetablewindow.h"
 
+#include "app/preferencesdialog.h"
+#include "data/remindersettings.h"
 #include "data/suiteexport.h"
 #include "ui/eventhook.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QScreen>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -25,9 +30,90 @@ TimetableWindow::TimetableWindow(Clock &clock, QObject *parent)
     m_window.setMinimumSize(640, 360);
     m_stack = new QStackedWidget(&m_window);
     m_window.setCentralWidget(m_stack);
+    QIcon icon;
+    icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-48.png"_s, QSize(48, 48));
+    icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-256.png"_s, QSize(256, 256));
+    m_window.setWindowIcon(icon);
     restoreGeometry();
     addActions();
-    new EventHook(&m_window, QEvent::Close, [this] { saveGeometry(); });
+    m_window.installEventFilter(this);
+
+    m_reminders = std::make_unique<Reminders>(m_settings, m_clock, m_err);
+    connect(m_reminders.get(), &Reminders::copyRequested, this,
+            [this](const QString &link) { m_controller->copyChatLink(link); });
+}
+
+bool TimetableWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != &m_window || event->type() != QEvent::Close)
+        return false;
+    saveGeometry();
+    if (m_tray && m_tray->isVisible() && m_reminders->choices().hasMarks()) {
+        // The reminders go on from the tray; said once, the first time.
+        event->ignore();
+        m_window.hide();
+        if (!m_settings.value(settingskeys::trayExplained).toBool()) {
+            m_tray->showMessage(u"Event Timer keeps reminding you"_s,
+                                u"The window is closed; the reminders of the marked events go "
+                                u"on from here. Quit from this icon's menu."_s);
+            m_settings.setValue(settingskeys::trayExplained, true);
+            m_settings.sync();
+        }
+        return true;
+    }
+    // With a tray the program does not end with its last window on its own.
+    if (!QApplication::quitOnLastWindowClosed())
+        QCoreApplication::quit();
+    return false;
+}
+
+void TimetableWindow::setUpTray()
+{
+    if (m_tray || !QSystemTrayIcon::isSystemTrayAvailable())
+        return;
+    m_tray = new QSystemTrayIcon(m_window.windowIcon(), this);
+    auto *menu = new QMenu(&m_window);
+    QAction *showHide = menu->addAction(u"Hide"_s, this, [this] {
+        if (m_window.isVisible())
+            m_window.hide();
+        else
+            bringToFront();
+    });
+    connect(menu, &QMenu::aboutToShow, this,
+            [this, showHide] { showHide->setText(m_window.isVisible() ? u"Hide"_s : u"Show"_s); });
+    menu->addAction(u"Reload"_s, this, &TimetableWindow::reload);
+    menu->addAction(u"Preferences\u2026"_s, this, &TimetableWindow::showPreferences);
+    menu->addSeparator();
+    menu->addAction(u"Quit"_s, qApp, &QCoreApplication::quit);
+    m_tray->setContextMenu(menu);
+    connect(m_tray, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason why) {
+                if (why == QSystemTrayIcon::Trigger)
+                    m_window.isVisible() ? m_window.hide() : bringToFront();
+            });
+    QApplication::setQuitOnLastWindowClosed(false);
+    m_reminders->setTray(m_tray);
+    m_tray->show();
+}
+
+void TimetableWindow::showPreferences()
+{
+    if (!m_preferences) {
+        m_preferences = new PreferencesDialog(m_reminders->choices(), &m_window);
+        m_preferences->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_preferences->show();
+    m_preferences->raise();
+    m_preferences->activateWindow();
+}
+
+void TimetableWindow::minuteTick()
+{
+    m_reminders->check();
+    // A new local day (at midnight, or found after a suspend or a clock change): its own
+    // timetable, unless one is loading already.
+    if (!m_next && m_clock.now().toTimeZone(m_clock.zone()).date() != m_day)
+        load(false);
 }
 
 void TimetableWindow::addActions()
@@ -42,6 +128,7 @@ void TimetableWindow::addActions()
     add(u"Reload"_s, {QKeySequence::Refresh}, [this] { reload(); });
     add(u"Quit"_s, {QKeySequence::Quit}, [] { QCoreApplication::quit(); });
     add(u"Close"_s, {QKeySequence::Close}, [this] { m_window.close(); });
+    add(u"Preferences"_s, {QKeySequence::Preferences}, [this] { showPreferences(); });
     add(u"Full screen"_s, {QKeySequence(Qt::Key_F11)},
         [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
 }
@@ -99,6 +186,8 @@ void TimetableWindow::show()
         m_window.showMaximized();
     else
         m_window.show();
+    // After the first frame: asking for the tray may cost a round trip to the desktop.
+    QTimer::singleShot(0, this, &TimetableWindow::setUpTray);
 }
 
 void TimetableWindow::reload()
@@ -118,6 +207,9 @@ void TimetableWindow::load(bool download)
     m_next = std::make_unique<ViewController>(exportToSuite, m_clock);
     ViewController *next = m_next.get();
     next->viewDidLoad();
+    next->setReminderChoices(&m_reminders->choices());
+    connect(next, &ViewController::preferencesRequested, this, &TimetableWindow::showPreferences);
+    connect(next, &ViewController::timeUpdated, this, &TimetableWindow::minuteTick);
     // The timetable is built when its view first shows, as it is on the screen.
     new EventHook(next->view(), QEvent::Show, [next] { next->viewDidAppear(); });
     if (!m_controller) {
@@ -132,21 +224,33 @@ void TimetableWindow::load(bool download)
             [this, next](EventDataSource::Stage stage, int done, int total) {
                 next->showProgress(progressText(stage, done, total));
             });
-    connect(m_source.get(), &EventDataSource::finished, this,
-            [this, next](const SectionList &sections) {
-                const QString problem = m_source->problem();
-                next->loadDidFinish(sections, problem.isEmpty()
-                                                  ? QString()
-                                                  : problem + u"\n"_s +
-                                                        m_source->serviceUrl().toDisplayString());
-                if (m_next.get() == next) {
-                    m_stack->addWidget(next->view());
-                    m_stack->setCurrentWidget(next->view());
-                    m_stack->removeWidget(m_controller->view());
-                    m_controller = std::move(m_next);
-                }
-                Q_EMIT timetableReplaced();
-            });
+    connect(
+        m_source.get(), &EventDataSource::finished, this,
+        [this, next](const SectionList &sections) {
+            const QString problem = m_source->problem();
+            next->loadDidFinish(sections,
+                                problem.isEmpty()
+                                    ? QString()
+                                    : problem + u"\n"_s + m_source->serviceUrl().toDisplayString());
+            if (m_next.get() == next) {
+                m_stack->addWidget(next->view());
+                m_stack->setCurrentWidget(next->view());
+                m_stack->removeWidget(m_controller->view());
+                m_controller = std::move(m_next);
+            }
+            // A window in the tray builds the new day's timetable all the same: it keeps
+            // the time and the shared suite current.
+            if (!m_window.isVisible())
+                next->viewDidAppear();
+            m_day = m_source->day();
+            m_reminders->setDays({{m_day, sections}, {m_day.addDays(1), m_source->followingDay()}},
+                                 m_clock.now());
+            if (!sections.isEmpty() && !m_unknownMarksSaid) {
+                m_unknownMarksSaid = true;
+                reportUnknownMarks(m_reminders->choices(), sections, m_err);
+            }
+            Q_EMIT timetableReplaced();
+        });
     m_source->load(download);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/reminders.h"
 #include "data/cachefolder.h"
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
@@ -9,6 +10,7 @@
 
 #include <QMainWindow>
 #include <QObject>
+#include <QPointer>
 #include <QStackedWidget>
 #include <QTextStream>
 
@@ -17,10 +19,12 @@
 namespace eventtimer {
 
 // The program's one window and its timetable, wired to the user's settings file, the cache
-// folder, the event service and the shared suite: what main() starts, and what the start-up
-// benchmark measures. The window shows at once and says what it is loading; each load (at the
-// start, on Reload) makes a timetable controller of its own, which takes the place of the one
-// shown when its data is in.
+// folder, the event service, the shared suite and the reminders: what main() starts, and what
+// the start-up benchmark measures. The window shows at once and says what it is loading; each
+// load (at the start, on Reload, when the local day changes) makes a timetable controller of
+// its own, which takes the place of the one shown when its data is in. Where the desktop has
+// a tray, the program has an icon there, and while events are marked a closed window keeps
+// the program reminding from it.
 class TimetableWindow : public QObject
 {
     Q_OBJECT
@@ -35,6 +39,9 @@ public:
     void reload();
     // Shows the window in front of the others (a second start asked for it).
     void bringToFront();
+    void showPreferences();
+
+    Reminders &reminders() { return *m_reminders; }
 
     QMainWindow &window() { return m_window; }
     ViewController &controller() { return *m_controller; }
@@ -44,8 +51,14 @@ Q_SIGNALS:
     // A new timetable stands in the window.
     void timetableReplaced();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void addActions();
+    void setUpTray();
+    // Every minute, from the timetable's time update.
+    void minuteTick();
     void restoreGeometry();
     void saveGeometry();
     void load(bool download);
@@ -63,6 +76,12 @@ private:
     std::unique_ptr<ViewController> m_next;
     QMainWindow m_window;
     QStackedWidget *m_stack = nullptr;
+    std::unique_ptr<Reminders> m_reminders;
+    // The local day of the timetable loaded last.
+    QDate m_day;
+    bool m_unknownMarksSaid = false;
+    QPointer<QSystemTrayIcon> m_tray;
+    QPointer<QDialog> m_preferences;
 };
 
 } // namespace eventtimer

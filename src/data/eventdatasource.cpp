@@ -115,6 +115,7 @@ void EventDataSource::load(bool download)
 {
     m_problem.clear();
     const QDateTime now = m_clock.now();
+    m_day = now.toTimeZone(m_clock.zone()).date();
     const std::optional<QByteArray> cached =
         m_cache.read(documentFile.toString(), UrlLoader::Limits().maxBodyBytes);
     // A date file that does not hold a date counts as no date.
@@ -185,7 +186,8 @@ void EventDataSource::decode(const QByteArray &bytes)
 
     // A start from the cache parses once; only missing icons cost a second pass.
     m_document = document.array();
-    const ScheduleDay day = ScheduleDay::containing(m_clock.now(), m_clock.zone());
+    m_day = m_clock.now().toTimeZone(m_clock.zone()).date();
+    const ScheduleDay day = ScheduleDay::of(m_day, m_clock.zone());
     m_icons = std::make_unique<IconCache>(m_cache, m_err);
     AskedIcons asked(*m_icons);
     ParsedDocument parsed = parseDocument(m_document, {day, &asked});
@@ -207,6 +209,10 @@ void EventDataSource::finish(ParsedDocument parsed)
 {
     for (const SkippedSection &skipped : parsed.skipped)
         say(skipped.line());
+    // The icons are all in by now: the day after shows what the cache holds.
+    m_followingDay = parseDocument(m_document, {ScheduleDay::of(m_day.addDays(1), m_clock.zone()),
+                                                m_icons.get()})
+                         .sections;
     m_document = {};
     Q_EMIT finished(parsed.sections);
 }
@@ -214,6 +220,7 @@ void EventDataSource::finish(ParsedDocument parsed)
 void EventDataSource::fail(const QString &problem)
 {
     m_problem = problem;
+    m_followingDay.clear();
     Q_EMIT finished({});
 }
 

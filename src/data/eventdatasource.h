@@ -56,6 +56,10 @@ public:
     QUrl serviceUrl() const;
     // Why the last load brought no document, in plain words; empty when it brought one.
     const QString &problem() const { return m_problem; }
+    // The local day the last load's sections are for, and the same document's sections for the
+    // day after it, for looking ahead (its skipped records are not reported again).
+    QDate day() const { return m_day; }
+    const SectionList &followingDay() const { return m_followingDay; }
 
 Q_SIGNALS:
     void progress(eventtimer::EventDataSource::Stage stage, int done, int total);
@@ -78,6 +82,8 @@ private:
     QString m_problem;
     std::unique_ptr<IconCache> m_icons;
     QJsonArray m_document;
+    QDate m_day;
+    SectionList m_followingDay;
 };
 
 } // namespace eventtimer

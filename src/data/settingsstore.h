@@ -16,6 +16,11 @@ inline constexpr QStringView serviceUrl = u"event_service_url";
 // The window as it was last closed: its normal geometry, and whether it was maximized.
 inline constexpr QStringView windowGeometry = u"window/geometry";
 inline constexpr QStringView windowMaximized = u"window/maximized";
+// The events to be reminded of, by name, and how many minutes ahead (0 to 60).
+inline constexpr QStringView reminderEvents = u"reminders/events";
+inline constexpr QStringView reminderLeadMinutes = u"reminders/lead_minutes";
+// Whether the player has been told once that a closed window keeps reminding from the tray.
+inline constexpr QStringView trayExplained = u"reminders/tray_explained";
 } // namespace settingskeys
 
 // The settings a user may edit, as plain INI text: $XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf.
@@ -36,6 +41,7 @@ public:
     Status sync();
 
     bool isDamaged() const { return m_settings.status() != QSettings::NoError; }
+    QString fileName() const { return m_settings.fileName(); }
 
 private:
     void reportDamage();

@@ -31,15 +31,26 @@ public:
                            Callback callback) = 0;
 };
 
-// The system's wall clock and zone, with Qt's timers.
+// The system's wall clock and zone, with Qt's timers; shifted by a fixed amount for a
+// rehearsal of another moment (the clock then runs on from there at its own pace).
 class SystemClock final : public Clock
 {
 public:
-    QDateTime now() const override { return QDateTime::currentDateTimeUtc(); }
+    explicit SystemClock(std::chrono::milliseconds shift = {})
+        : m_shift(shift)
+    {}
+
+    QDateTime now() const override
+    {
+        return QDateTime::currentDateTimeUtc().addMSecs(m_shift.count());
+    }
     QTimeZone zone() const override { return QTimeZone::systemTimeZone(); }
     void callAfter(std::chrono::milliseconds delay, QObject *context, Callback callback) override;
     void callEvery(std::chrono::milliseconds interval, QObject *context,
                    Callback callback) override;
+
+private:
+    std::chrono::milliseconds m_shift;
 };
 
 // A clock that stands still until it is moved. advance() lets time pass: the wall clock and

@@ -6,8 +6,12 @@ namespace eventtimer {
 
 ScheduleDay ScheduleDay::containing(const QDateTime &now, const QTimeZone &zone)
 {
-    const QDate today = now.toTimeZone(zone).date();
-    return ScheduleDay(secondsSinceEpoch(today.startOfDay(zone)));
+    return of(now.toTimeZone(zone).date(), zone);
+}
+
+ScheduleDay ScheduleDay::of(QDate date, const QTimeZone &zone)
+{
+    return ScheduleDay(secondsSinceEpoch(date.startOfDay(zone)));
 }
 
 double secondsSinceEpoch(const QDateTime &moment)

@@ -14,6 +14,8 @@ public:
     static constexpr double length = 86400.0;
 
     static ScheduleDay containing(const QDateTime &now, const QTimeZone &zone);
+    // From the local midnight that starts date.
+    static ScheduleDay of(QDate date, const QTimeZone &zone);
 
     double start() const { return m_start; }
     double end() const { return m_start + length; }

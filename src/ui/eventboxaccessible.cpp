@@ -76,7 +76,8 @@ QString EventBoxAccessible::text(QAccessible::Text type) const
         return box.event().name;
     case QAccessible::Description: {
         const std::optional<QString> &section = box.event().section;
-        return section ? box.startText + u", "_s + *section : box.startText;
+        const QString reminder = m_timeline->isMarked(m_index) ? u", reminder set"_s : QString();
+        return (section ? box.startText + u", "_s + *section : box.startText) + reminder;
     }
     default:
         return {};

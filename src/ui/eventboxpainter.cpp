@@ -5,6 +5,7 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QPainterPath>
 
 #include <algorithm>
 
@@ -48,6 +49,24 @@ void drawCopyGlyph(QPainter &painter, const QRectF &button)
     painter.drawRoundedRect(front, 1, 1);
 }
 
+// A small bell, in the text's colour with the text's halo around it.
+void drawBell(QPainter &painter, const QRectF &frame, bool onDark)
+{
+    const double w = frame.width();
+    const double h = frame.height();
+    QPainterPath bell;
+    bell.moveTo(frame.left() + 0.1 * w, frame.top() + 0.78 * h);
+    bell.cubicTo(frame.left() + 0.25 * w, frame.top() + 0.6 * h, frame.left() + 0.15 * w,
+                 frame.top() + 0.1 * h, frame.center().x(), frame.top() + 0.1 * h);
+    bell.cubicTo(frame.right() - 0.15 * w, frame.top() + 0.1 * h, frame.right() - 0.25 * w,
+                 frame.top() + 0.6 * h, frame.right() - 0.1 * w, frame.top() + 0.78 * h);
+    bell.closeSubpath();
+    bell.addEllipse(QPointF(frame.center().x(), frame.top() + 0.88 * h), 0.12 * w, 0.1 * h);
+    painter.setPen(QPen(onDark ? QColor(0, 0, 0, 170) : QColor(255, 255, 255, 200), 1.5));
+    painter.setBrush(onDark ? Qt::white : Qt::black);
+    painter.drawPath(bell);
+}
+
 } // namespace
 
 bool EventBoxPainter::isDark(const QColor &fill, const QColor &background)
@@ -88,10 +107,10 @@ void EventBoxPainter::clear()
     m_icons.clear();
 }
 
-const QStaticText &EventBoxPainter::nameText(const EventBoxGeometry &box)
+const QStaticText &EventBoxPainter::nameText(const EventBoxGeometry &box, double reserved)
 {
     const int width =
-        std::max(0, static_cast<int>(box.rect.width() - 2 * LayoutConstants::boxMargin));
+        std::max(0, static_cast<int>(box.rect.width() - 2 * LayoutConstants::boxMargin - reserved));
     const QString key = box.event().name + u'\n' + QString::number(width);
     auto it = m_names.find(key);
     if (it == m_names.end()) {
@@ -159,7 +178,14 @@ void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, cons
     painter.setFont(m_font);
     const bool onDark = isDark(event.backgroundColor.toQColor(), m_background);
     const double textHeight = QFontMetricsF(m_font).height();
-    drawHaloText(painter, EventBoxGeometry::nameRect(rect, textHeight).topLeft(), nameText(box),
+    const QRectF nameRect = EventBoxGeometry::nameRect(rect, textHeight);
+    // The bell takes the end of the name's line; the name is cut before it.
+    const double bellRoom = state.marked ? bellSize + LayoutConstants::eventDistance : 0.0;
+    drawHaloText(painter, nameRect.topLeft(), nameText(box, bellRoom), onDark);
+    if (state.marked)
+        drawBell(painter,
+                 QRectF(nameRect.right() - bellSize, nameRect.center().y() - bellSize / 2, bellSize,
+                        bellSize),
                  onDark);
     const QStaticText &time = timeText(box.startText);
     drawHaloText(

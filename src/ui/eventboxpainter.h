@@ -17,9 +17,10 @@ namespace eventtimer {
 class Event;
 
 // Paints one event box: the fill with a groove border, the name along the top and the start
-// time at the bottom left (each with a soft white halo, so they read on any fill), the icon at
-// half opacity in the middle, the copy button of an event with a chat link, and the keyboard's
-// focus ring. Texts, icons and the button are prepared once and then only placed.
+// time at the bottom left (each with a soft halo, so they read on any fill), the icon at half
+// opacity in the middle, the copy button of an event with a chat link, the bell of a marked
+// event and the keyboard's focus ring. Texts, icons and the button are prepared once and then only
+// placed.
 class EventBoxPainter
 {
 public:
@@ -36,7 +37,10 @@ public:
         Button button = Button::Normal;
         // The focus ring's colour, when the box carries it.
         std::optional<QColor> focusRing;
+        // The event is marked for reminders: a bell at the end of the name's line.
+        bool marked = false;
     };
+    static constexpr double bellSize = 12.0;
 
     // The font of the names and times, the pixel ratio of what is painted on, and the colour
     // the boxes' translucent fills lie on; a change drops what was prepared.
@@ -53,7 +57,7 @@ public:
     void paint(QPainter &painter, const EventBoxGeometry &box, const State &state);
 
 private:
-    const QStaticText &nameText(const EventBoxGeometry &box);
+    const QStaticText &nameText(const EventBoxGeometry &box, double reserved);
     const QStaticText &timeText(const QString &text);
     const QPixmap &iconOf(const Event &event);
     const QPixmap &buttonPixmap(Button state);

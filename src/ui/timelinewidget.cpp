@@ -4,6 +4,7 @@
 #include "ui/timelineaccessible.h"
 
 #include <QAccessible>
+#include <QContextMenuEvent>
 #include <QFocusEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -91,6 +92,7 @@ EventBoxPainter::State TimelineWidget::stateOf(qsizetype index) const
                                                 : EventBoxPainter::Button::Hovered;
     if (hasFocus() && m_currentBox == index)
         state.focusRing = palette().color(QPalette::Highlight);
+    state.marked = isMarked(index);
     return state;
 }
 
@@ -236,6 +238,44 @@ void TimelineWidget::pressCopyButton(qsizetype box)
         Q_EMIT copyRequested(box);
 }
 
+void TimelineWidget::setMarkedNames(const QSet<QString> &names)
+{
+    if (names == m_markedNames)
+        return;
+    // Only the boxes whose bell comes or goes are drawn again.
+    for (qsizetype i = 0; i < m_boxes.size(); ++i) {
+        const QString &name = m_boxes.at(i).event().name;
+        if (names.contains(name) != m_markedNames.contains(name))
+            invalidateBox(i);
+    }
+    m_markedNames = names;
+}
+
+bool TimelineWidget::isMarked(qsizetype box) const
+{
+    return m_markedNames.contains(m_boxes.at(box).event().name);
+}
+
+void TimelineWidget::contextMenuEvent(QContextMenuEvent *event)
+{
+    std::optional<qsizetype> box;
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        box = boxAt(event->pos());
+        if (box)
+            setCurrent(*box, Reveal::No);
+    } else if (m_currentBox) {
+        // From the keyboard: the menu opens on the focused box.
+        box = m_currentBox;
+        at = mapToGlobal(m_boxes.at(*box).rect.center().toPoint());
+    }
+    if (!box) {
+        event->ignore();
+        return;
+    }
+    Q_EMIT menuRequested(*box, at);
+}
+
 void TimelineWidget::notifyAccessibleFocus()
 {
     // Qt drops the notification at once while no assistive technology is listening.
@@ -268,7 +308,8 @@ void TimelineWidget::keyPressEvent(QKeyEvent *event)
                       (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right ||
                        event->key() == Qt::Key_Up || event->key() == Qt::Key_Down ||
                        event->key() == Qt::Key_Home || event->key() == Qt::Key_End);
-    if (!copy && !move) {
+    const bool mark = modifiers == Qt::NoModifier && event->key() == Qt::Key_R;
+    if (!copy && !move && !mark) {
         QWidget::keyPressEvent(event);
         return;
     }
@@ -283,6 +324,10 @@ void TimelineWidget::keyPressEvent(QKeyEvent *event)
     }
     if (copy) {
         pressCopyButton(*m_currentBox);
+        return;
+    }
+    if (mark) {
+        Q_EMIT markToggleRequested(*m_currentBox);
         return;
     }
     if (const std::optional<qsizetype> target = m_navigation.target(*m_currentBox, event->key()))

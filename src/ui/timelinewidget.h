@@ -6,6 +6,7 @@
 
 #include <QCache>
 #include <QPixmap>
+#include <QSet>
 #include <QWidget>
 
 #include <optional>
@@ -46,12 +47,20 @@ public:
     // events without a chat link have no button, and nothing happens.
     void pressCopyButton(qsizetype box);
 
+    // The names of the events marked for reminders: their boxes carry a bell.
+    void setMarkedNames(const QSet<QString> &names);
+    bool isMarked(qsizetype box) const;
+
 Q_SIGNALS:
     // The copy button of a box whose event has a chat link was pressed.
     void copyRequested(qsizetype box);
     // The keyboard or assistive technology moved the focus ring to a box, which the scroll
     // areas around should show.
     void revealRequested(qsizetype box);
+    // The box's menu was asked for: a right click on it, or the menu key on the focused box.
+    void menuRequested(qsizetype box, QPoint globalPosition);
+    // R on the focused box: its event's reminder mark is to be set or removed.
+    void markToggleRequested(qsizetype box);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -64,6 +73,7 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
     bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 private:
@@ -97,6 +107,7 @@ private:
     std::optional<qsizetype> m_hoveredButton;
     std::optional<qsizetype> m_pressedButton;
     std::optional<qsizetype> m_currentBox;
+    QSet<QString> m_markedNames;
 };
 
 } // namespace eventtimer

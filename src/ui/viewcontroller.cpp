@@ -1,6 +1,7 @@
 #include "ui/viewcontroller.h"
 
 #include "model/clock.h"
+#include "model/reminderchoices.h"
 #include "timetable/layoutconstants.h"
 #include "timetable/timebase.h"
 #include "ui/categorybox.h"
@@ -273,6 +274,14 @@ void ViewController::buildTimeline()
             &ViewController::copyToClipboardWithSender);
     connect(m_horizontalScrollContent, &TimelineWidget::revealRequested, this,
             &ViewController::revealBox);
+    connect(m_horizontalScrollContent, &TimelineWidget::menuRequested, this,
+            [this](qsizetype box, QPoint at) { boxMenu(box)->popup(at); });
+    connect(m_horizontalScrollContent, &TimelineWidget::markToggleRequested, this,
+            [this](qsizetype box) {
+                if (m_choices)
+                    m_choices->toggle(m_horizontalScrollContent->boxes().at(box).event().name);
+            });
+    showMarks();
 }
 
 void ViewController::sizeContents()
@@ -321,6 +330,7 @@ void ViewController::updateCurrentTime()
 void ViewController::timeUpdate()
 {
     updateCurrentTime();
+    Q_EMIT timeUpdated();
 }
 
 void ViewController::copyToClipboardWithSender(qsizetype box)
@@ -331,14 +341,60 @@ void ViewController::copyToClipboardWithSender(qsizetype box)
         m_horizontalScrollContent->boxes().at(box).event().chatLink;
     if (!link)
         return;
+    copyChatLink(*link);
+}
+
+void ViewController::copyChatLink(const QString &link)
+{
     // One plain-text item, which replaces whatever the clipboard held. An empty link is
     // copied as it is, and the message shows all the same.
-    QGuiApplication::clipboard()->setText(*link);
+    QGuiApplication::clipboard()->setText(link);
+    if (!m_view || !m_view->isVisible())
+        return;
     m_clipboardMessage->show();
     m_clipboardMessage->raise();
     // Every copy schedules its own hide and none is ever cancelled: the earliest one pending
     // ends the showing, even right after a later copy.
     m_clock.callAfter(clipboardMessageInterval, this, [this] { hideClipboardMessage(); });
+}
+
+void ViewController::setReminderChoices(ReminderChoices *choices)
+{
+    m_choices = choices;
+    connect(choices, &ReminderChoices::changed, this, &ViewController::showMarks);
+    showMarks();
+}
+
+void ViewController::showMarks()
+{
+    if (m_horizontalScrollContent && m_choices)
+        m_horizontalScrollContent->setMarkedNames(m_choices->markedSet());
+}
+
+QMenu *ViewController::boxMenu(qsizetype box)
+{
+    auto *menu = new QMenu(m_view);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
+        return menu;
+    const std::shared_ptr<Event> event = m_horizontalScrollContent->boxes().at(box).item->event;
+    QAction *copyLink =
+        menu->addAction(u"Copy chat link"_s, this, [this, box] { copyToClipboardWithSender(box); });
+    copyLink->setEnabled(event->chatLink.has_value());
+    menu->addAction(u"Copy name"_s, this,
+                    [event] { QGuiApplication::clipboard()->setText(event->name); });
+    if (m_choices) {
+        menu->addSeparator();
+        QAction *remind = menu->addAction(u"Remind me of "_s + event->name, this, [this, event] {
+            if (m_choices)
+                m_choices->toggle(event->name);
+        });
+        remind->setCheckable(true);
+        remind->setChecked(m_choices->isMarked(event->name));
+        menu->addAction(u"Reminder preferences\u2026"_s, this,
+                        [this] { Q_EMIT preferencesRequested(); });
+    }
+    return menu;
 }
 
 void ViewController::hideClipboardMessage()

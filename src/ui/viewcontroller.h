@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QHash>
 #include <QLabel>
+#include <QMenu>
 #include <QObject>
 #include <QPointer>
 #include <QScrollArea>
@@ -21,6 +22,7 @@
 namespace eventtimer {
 
 class Clock;
+class ReminderChoices;
 
 // The controller of the timetable window. It builds its views in code, shows the loading until
 // the sections are in, builds the timetable once when it has them and the view has appeared,
@@ -28,6 +30,12 @@ class Clock;
 class ViewController : public QObject
 {
     Q_OBJECT
+
+Q_SIGNALS:
+    // After every 60-second time update.
+    void timeUpdated();
+    // The player asked for the reminder preferences.
+    void preferencesRequested();
 
 public:
     // Publishes the day's chat-link occurrences, as of the moment the timetable was built.
@@ -64,6 +72,15 @@ public:
     // until the earliest pending hide. A box whose event has no chat link has no button.
     void copyToClipboardWithSender(qsizetype box);
     void hideClipboardMessage();
+    // A chat link onto the clipboard as the copy button puts it, from elsewhere (a
+    // notification): the message shows while the window is visible.
+    void copyChatLink(const QString &link);
+
+    // The player's reminder marks: shown as bells, set and removed from a box's menu and with R.
+    void setReminderChoices(ReminderChoices *choices);
+    // The menu of a box: copy the chat link or the name, set or remove the event's reminder,
+    // the reminder preferences. The caller shows it; it deletes itself once closed.
+    QMenu *boxMenu(qsizetype box);
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
     QWidget *verticalScrollContent() const { return m_verticalScrollContent; }
@@ -95,6 +112,7 @@ private:
     void buildTimeline();
     void sizeContents();
 
+    void showMarks();
     void placeSectionColumn();
     double labelHeight(const QString &name) const;
     int sectionColumnWidth() const;
@@ -103,6 +121,7 @@ private:
 
     SuiteExporter m_exportToSharedSuite;
     Clock &m_clock;
+    QPointer<ReminderChoices> m_choices;
 
     QPointer<QWidget> m_view;
     QPointer<QScrollArea> m_verticalScroll;

@@ -1,4 +1,6 @@
+#include "app/preferencesdialog.h"
 #include "app/timetablewindow.h"
+#include "data/suiteformat.h"
 #include "eventservice/eventservice.h"
 
 #include <QElapsedTimer>
@@ -85,6 +87,51 @@ private Q_SLOTS:
         window.window().close();
         TimetableWindow next(m_clock);
         QCOMPARE(next.window().geometry(), QRect(120, 80, 660, 410));
+    }
+
+    // Started at 23:57 with A (due every hour) marked one minute ahead: the reminder of the new
+    // day's 00:00 comes at 23:59, and at midnight a timetable of the new day takes the place.
+    void remindsAcrossMidnightAndRollsOver()
+    {
+        m_service.clearBehaviours();
+        ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(23, 57), QTimeZone::utc()),
+                          QTimeZone::utc());
+        TimetableWindow window(clock);
+        window.reminders().setBus(QDBusConnection(u"none"_s));
+        window.reminders().choices().assign({u"A"_s}, 1);
+        QStringList heard;
+        connect(&window.reminders().scheduler(), &ReminderScheduler::remind, this,
+                [&](const Reminder &reminder) {
+                    heard.append(clock.now().toString(u"HH:mm "_s) + reminder.summary() + u", "_s +
+                                 reminder.body());
+                });
+        window.show();
+        QTRY_VERIFY(window.controller().isBuilt());
+        const ViewController *before = &window.controller();
+
+        clock.advance(std::chrono::minutes(3));
+        QCOMPARE(heard, QStringList{u"23:59 A in 1 min, S, 00:00"_s});
+        QTRY_VERIFY(&window.controller() != before && window.controller().isBuilt());
+        QFile suite(suitekeys::suitePath());
+        QVERIFY(suite.open(QIODevice::ReadOnly));
+        QVERIFY(suite.readAll().contains("\"axis_day_start\": \"2026-11-23"));
+        QCOMPARE(window.reminders().scheduler().next()->at, clock.now().addSecs(59 * 60));
+    }
+
+    void preferencesChangeTheChoicesAtOnce()
+    {
+        ReminderChoices choices;
+        choices.assign({u"Tide"_s, u"Storm"_s}, 5);
+        PreferencesDialog dialog(choices);
+        QCOMPARE(dialog.leadMinutes()->value(), 5);
+        QCOMPARE(dialog.markedEvents()->count(), 2);
+        QVERIFY(!dialog.removeButton()->isEnabled());
+        dialog.markedEvents()->item(0)->setSelected(true);
+        dialog.removeButton()->click();
+        QCOMPARE(choices.marked(), QStringList{u"Tide"_s});
+        QCOMPARE(dialog.markedEvents()->item(0)->text(), u"Tide"_s);
+        dialog.leadMinutes()->setValue(61);
+        QCOMPARE(choices.leadMinutes(), 60);
     }
 
     void aWindowGoneWhileLoadingDropsItAtOnce()

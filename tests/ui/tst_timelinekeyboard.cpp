@@ -1,8 +1,14 @@
+#include "model/reminderchoices.h"
 #include "smalltimetable.h"
 
+#include <QAccessible>
+#include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace eventtimer;
@@ -132,6 +138,51 @@ private Q_SLOTS:
         window.controller().verticalScroll()->setFocus(Qt::TabFocusReason);
         QCOMPARE(window.label(*timeline.currentBox()), u"Market 10:00"_s);
         QCOMPARE(timeline.grab(market).toImage(), marketPlain);
+    }
+
+    // R and the box's menu set and remove the mark of the event by name; marked boxes carry
+    // a bell and say so to screen readers.
+    void marksAnEventForReminders()
+    {
+        SmallTimetable window;
+        QVERIFY(window.exposed());
+        ReminderChoices choices;
+        window.controller().setReminderChoices(&choices);
+        TimelineWidget &timeline = window.timeline();
+        const qsizetype market = window.box(u"Market 10:00"_s);
+        timeline.setFocus(Qt::TabFocusReason);
+        const QImage plain =
+            timeline.grab(timeline.boxes().at(market).rect.toAlignedRect()).toImage();
+
+        QTest::keyClick(&timeline, Qt::Key_R);
+        QVERIFY(choices.isMarked(u"Market"_s));
+        QVERIFY(timeline.grab(timeline.boxes().at(market).rect.toAlignedRect()).toImage() != plain);
+        QVERIFY(QAccessible::queryAccessibleInterface(&timeline)
+                    ->child(int(market))
+                    ->text(QAccessible::Description)
+                    .endsWith(u", reminder set"_s));
+
+        QSignalSpy asked(&timeline, &TimelineWidget::menuRequested);
+        // What the window system sends for the menu key (Qt's test keys do not make it).
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+        QApplication::sendEvent(&timeline, &menuKey);
+        QCOMPARE(asked.size(), 1);
+        QCOMPARE(asked.first().first().value<qsizetype>(), market);
+        QTRY_VERIFY(QApplication::activePopupWidget());
+        QApplication::activePopupWidget()->close();
+
+        QMenu *menu = window.controller().boxMenu(market);
+        QStringList items;
+        for (const QAction *action : menu->actions())
+            items.append(action->text() + (action->isEnabled() ? u""_s : u" (off)"_s) +
+                         (action->isChecked() ? u" (on)"_s : u""_s));
+        QCOMPARE(items,
+                 (QStringList{u"Copy chat link (off)"_s, u"Copy name"_s, QString(),
+                              u"Remind me of Market (on)"_s, u"Reminder preferences\u2026"_s}));
+        menu->actions().at(3)->trigger();
+        delete menu;
+        QVERIFY(!choices.isMarked(u"Market"_s));
+        QCOMPARE(timeline.grab(timeline.boxes().at(market).rect.toAlignedRect()).toImage(), plain);
     }
 };
 

@@ -1,0 +1,70 @@
+#include "app/preferencesdialog.h"
+
+#include "model/reminderchoices.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace eventtimer {
+
+PreferencesDialog::PreferencesDialog(ReminderChoices &choices, QWidget *parent)
+    : QDialog(parent)
+    , m_choices(choices)
+{
+    setWindowTitle(u"Reminder Preferences"_s);
+    auto *layout = new QVBoxLayout(this);
+
+    auto *form = new QFormLayout;
+    m_lead = new QSpinBox(this);
+    m_lead->setRange(0, ReminderChoices::maxLeadMinutes);
+    m_lead->setSuffix(u" min"_s);
+    m_lead->setAccessibleName(u"Remind this many minutes before an event"_s);
+    form->addRow(u"Remind me &before an event:"_s, m_lead);
+    layout->addLayout(form);
+
+    auto *listLabel = new QLabel(u"&Events to be reminded of:"_s, this);
+    m_marked = new QListWidget(this);
+    m_marked->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    listLabel->setBuddy(m_marked);
+    auto *hint = new QLabel(
+        u"Mark an event from its box's menu (right click), or with R on the focused box."_s, this);
+    hint->setWordWrap(true);
+    hint->setForegroundRole(QPalette::PlaceholderText);
+    layout->addWidget(listLabel);
+    layout->addWidget(m_marked);
+    layout->addWidget(hint);
+
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    m_remove = buttons->addButton(u"&Remove"_s, QDialogButtonBox::ActionRole);
+    layout->addWidget(buttons);
+
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_lead, &QSpinBox::valueChanged, &m_choices, &ReminderChoices::setLeadMinutes);
+    connect(m_remove, &QPushButton::clicked, this, [this] {
+        const QList<QListWidgetItem *> selected = m_marked->selectedItems();
+        QStringList names;
+        for (const QListWidgetItem *item : selected)
+            names.append(item->text());
+        for (const QString &name : std::as_const(names))
+            m_choices.setMarked(name, false);
+    });
+    connect(m_marked, &QListWidget::itemSelectionChanged, this,
+            [this] { m_remove->setEnabled(!m_marked->selectedItems().isEmpty()); });
+    connect(&m_choices, &ReminderChoices::changed, this, &PreferencesDialog::showChoices);
+    showChoices();
+}
+
+void PreferencesDialog::showChoices()
+{
+    if (m_lead->value() != m_choices.leadMinutes())
+        m_lead->setValue(m_choices.leadMinutes());
+    m_marked->clear();
+    m_marked->addItems(m_choices.marked());
+    m_remove->setEnabled(false);
+}
+
+} // namespace eventtimer
