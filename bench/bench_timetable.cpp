@@ -29,6 +29,8 @@ private:
     ManualClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
                         QTimeZone::utc()};
     SectionList m_sections;
+    // The same document from the next midnight: the axis goes on into it.
+    SectionList m_followingDay;
 };
 
 void BenchTimetable::initTestCase()
@@ -36,6 +38,10 @@ void BenchTimetable::initTestCase()
     m_sections = parseDocument(bench::stressDocument(),
                                {ScheduleDay::containing(m_clock.now(), m_clock.zone()), nullptr})
                      .sections;
+    m_followingDay =
+        parseDocument(bench::stressDocument(),
+                      {ScheduleDay::of(m_clock.now().date().addDays(1), m_clock.zone()), nullptr})
+            .sections;
     qsizetype occurrences = 0;
     for (const auto &section : std::as_const(m_sections))
         occurrences += section->sequence.size();
@@ -53,13 +59,15 @@ void BenchTimetable::buildTimetable()
         controller.viewDidLoad();
         controller.view()->show();
         controller.viewDidAppear();
+        controller.setFollowingDay(m_followingDay);
         QElapsedTimer timer;
         timer.start();
         controller.loadDidFinish(m_sections);
         builds.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-        QCOMPARE(controller.horizontalScrollContent()->boxes().size(), 6886);
+        QCOMPARE_GT(controller.horizontalScrollContent()->boxes().size(), 6886);
     }
-    qInfo("buildTimetable: median %.1f ms (target 30 ms); peak RSS of this process %lld kB",
+    qInfo("buildTimetable, with the next day's first hours: median %.1f ms (target 30 ms); "
+          "peak RSS of this process %lld kB",
           median(builds), static_cast<long long>(peakResidentKb()));
 
     // Of which the arithmetic alone, without widgets:
@@ -68,9 +76,10 @@ void BenchTimetable::buildTimetable()
         QElapsedTimer timer;
         timer.start();
         const TimetableGeometry geometry = TimetableLayout::build(
-            m_sections, m_clock.zone(), m_clock.now(), [](const QString &) { return 17.0; });
+            m_sections, m_clock.zone(), m_clock.now(), [](const QString &) { return 17.0; },
+            m_followingDay);
         layouts.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-        QCOMPARE(geometry.eventBoxes.size(), 6886);
+        QCOMPARE_GT(geometry.eventBoxes.size(), 6886);
     }
     qInfo("of which the layout arithmetic: median %.1f ms", median(layouts));
 }
@@ -80,6 +89,7 @@ void BenchTimetable::repaintAfterScroll()
     ViewController controller({}, m_clock);
     controller.view()->resize(1400, 900);
     controller.viewDidLoad();
+    controller.setFollowingDay(m_followingDay);
     controller.loadDidFinish(m_sections);
     controller.view()->show();
     controller.viewDidAppear();

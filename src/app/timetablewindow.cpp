@@ -30,10 +30,6 @@ TimetableWindow::TimetableWindow(Clock &clock, QObject *parent)
     m_window.setMinimumSize(640, 360);
     m_stack = new QStackedWidget(&m_window);
     m_window.setCentralWidget(m_stack);
-    QIcon icon;
-    icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-48.png"_s, QSize(48, 48));
-    icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-256.png"_s, QSize(256, 256));
-    m_window.setWindowIcon(icon);
     restoreGeometry();
     addActions();
     m_window.installEventFilter(this);
@@ -186,8 +182,15 @@ void TimetableWindow::show()
         m_window.showMaximized();
     else
         m_window.show();
-    // After the first frame: asking for the tray may cost a round trip to the desktop.
-    QTimer::singleShot(0, this, &TimetableWindow::setUpTray);
+    // After the first frames: the icon's pictures are decoded as it is set, and asking for the
+    // tray may cost a round trip to the desktop.
+    QTimer::singleShot(std::chrono::milliseconds(300), this, [this] {
+        QIcon icon;
+        icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-48.png"_s, QSize(48, 48));
+        icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-256.png"_s, QSize(256, 256));
+        m_window.setWindowIcon(icon);
+        setUpTray();
+    });
 }
 
 void TimetableWindow::reload()
@@ -228,6 +231,7 @@ void TimetableWindow::load(bool download)
         m_source.get(), &EventDataSource::finished, this,
         [this, next](const SectionList &sections) {
             const QString problem = m_source->problem();
+            next->setFollowingDay(m_source->followingDay());
             next->loadDidFinish(sections,
                                 problem.isEmpty()
                                     ? QString()

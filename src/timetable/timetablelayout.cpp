@@ -58,6 +58,10 @@ QRectF EventBoxGeometry::copyButtonRect(const QRectF &box, QSizeF buttonSize)
 double TimetableGeometry::axisWidth() const
 {
     double width = contentWidth;
+    if (followingDate.isValid())
+        width = std::max(width, static_cast<double>((TimetableLayout::dayEndMinute +
+                                                     TimetableLayout::followingMinutes) *
+                                                    C::minutesMultiplier));
     for (const EventBoxGeometry &box : eventBoxes)
         width = std::max(width, box.rect.right() + C::eventDistance);
     return width;
@@ -97,20 +101,31 @@ SectionList TimetableLayout::groupedByCategory(const SectionList &sections)
 }
 
 TimetableGeometry TimetableLayout::build(const SectionList &sections, const QTimeZone &zone,
-                                         const QDateTime &now, const LabelHeight &labelHeight)
+                                         const QDateTime &now, const LabelHeight &labelHeight,
+                                         const SectionList &followingDay)
 {
     TimetableLayout layout(zone, now, labelHeight);
+    // The next day's sections by category and name, each taken by the first of today's that
+    // matches it.
+    QHash<QString, QList<const Section *>> following;
+    for (const auto &section : followingDay)
+        following[section->category + u'\n' + section->name].append(section.get());
     LayoutCursor cursor;
-    for (const auto &section : groupedByCategory(sections))
-        layout.layoutSection(*section, cursor);
+    for (const auto &section : groupedByCategory(sections)) {
+        QList<const Section *> &same = following[section->category + u'\n' + section->name];
+        layout.layoutSection(*section, cursor, same.isEmpty() ? nullptr : same.takeFirst());
+    }
     layout.closeLastCategory(cursor);
     TimetableGeometry geometry = layout.takeGeometry();
     geometry.contentHeight = cursor.contentHeight;
     geometry.contentWidth = cursor.contentWidth;
+    if (!followingDay.isEmpty())
+        geometry.followingDate = now.toTimeZone(zone).date().addDays(1);
     return geometry;
 }
 
-void TimetableLayout::layoutSection(const Section &section, LayoutCursor &cursor)
+void TimetableLayout::layoutSection(const Section &section, LayoutCursor &cursor,
+                                    const Section *following)
 {
     // A new category opens a box below the previous one, which is closed under its last label.
     if (!m_categories.contains(section.category)) {
@@ -148,9 +163,34 @@ void TimetableLayout::layoutSection(const Section &section, LayoutCursor &cursor
     row.rowTop = cursor.contentHeight - C::sectionDistance - C::categoryDistance;
     cursor.contentHeight += label.height + C::sectionDistance;
 
+    const qsizetype firstBox = m_geometry.eventBoxes.size();
     for (const auto &item : section.sequence)
         addEventBox(item, *cursor.sectionLabel, row);
     cursor.contentWidth = std::max(cursor.contentWidth, row.rowWidth);
+    if (following) {
+        double rowEnd = 0;
+        for (qsizetype i = firstBox; i < m_geometry.eventBoxes.size(); ++i)
+            rowEnd = std::max(rowEnd, m_geometry.eventBoxes.at(i).rect.right() + C::eventDistance);
+        addFollowingBoxes(*following, *cursor.sectionLabel, row, rowEnd);
+    }
+}
+
+void TimetableLayout::addFollowingBoxes(const Section &following, qsizetype sectionLabel,
+                                        const RowState &row, double rowEnd)
+{
+    RowState scratch = row;
+    for (const auto &item : following.sequence) {
+        const qint64 minutes = m_minutes.of(*item);
+        const double x = static_cast<double>((dayEndMinute + minutes) * C::minutesMultiplier);
+        if (minutes >= followingMinutes)
+            break;
+        if (x < rowEnd)
+            continue;
+        addEventBox(item, sectionLabel, scratch);
+        EventBoxGeometry &box = m_geometry.eventBoxes.last();
+        box.rect.moveLeft(x);
+        box.tomorrow = true;
+    }
 }
 
 void TimetableLayout::addEventBox(const std::shared_ptr<SequenceItem> &item, qsizetype sectionLabel,

@@ -44,6 +44,8 @@ struct EventBoxGeometry
     qint64 minutes = 0;
     QString startText;
     qsizetype row = 0;
+    // One of the next day's first occurrences, after the day's end.
+    bool tomorrow = false;
 
     const Event &event() const { return *item->event; }
 
@@ -79,9 +81,12 @@ struct TimetableGeometry
     QList<EventBoxGeometry> eventBoxes;
     double contentHeight = LayoutConstants::categoryDistance;
     double contentWidth = 0;
+    // The next day, when its first hours continue the axis after the day's end.
+    QDate followingDate;
 
     // How wide the time axis must be to show every box: the content width counts only the
-    // rows' durations, so a row that starts with a pause can reach further.
+    // rows' durations, so a row that starts with a pause can reach further. With the next
+    // day's first hours, at least to their end.
     double axisWidth() const;
 };
 
@@ -102,13 +107,26 @@ public:
     // follow the list order.
     static SectionList groupedByCategory(const SectionList &sections);
 
-    // The whole timetable: groups, lays out every section, closes the last box.
-    static TimetableGeometry build(const SectionList &sections, const QTimeZone &zone,
-                                   const QDateTime &now, const LabelHeight &labelHeight);
+    // The minute the day ends at on the axis, and how much of the next day follows it.
+    static constexpr qint64 dayEndMinute = 1440;
+    static constexpr qint64 followingMinutes = 360;
 
-    void layoutSection(const Section &section, LayoutCursor &cursor);
+    // The whole timetable: groups, lays out every section, closes the last box. With the
+    // sections of the next day (the same document from the next local midnight) the axis goes
+    // on after the day's end with their occurrences that start in its first hours, each in
+    // its section's row; the day's own boxes stay as they are.
+    static TimetableGeometry build(const SectionList &sections, const QTimeZone &zone,
+                                   const QDateTime &now, const LabelHeight &labelHeight,
+                                   const SectionList &followingDay = {});
+
+    void layoutSection(const Section &section, LayoutCursor &cursor,
+                       const Section *following = nullptr);
     void addEventBox(const std::shared_ptr<SequenceItem> &item, qsizetype sectionLabel,
                      RowState &row);
+    // The next day's boxes of a row, after the day's end: those that start in its first hours
+    // and not under the row's last box of the day, which may run on past midnight.
+    void addFollowingBoxes(const Section &following, qsizetype sectionLabel, const RowState &row,
+                           double rowEnd);
     // Ties the last category box's bottom below its last label.
     void closeLastCategory(LayoutCursor &cursor);
 

@@ -76,8 +76,12 @@ QString EventBoxAccessible::text(QAccessible::Text type) const
         return box.event().name;
     case QAccessible::Description: {
         const std::optional<QString> &section = box.event().section;
-        const QString reminder = m_timeline->isMarked(m_index) ? u", reminder set"_s : QString();
-        return (section ? box.startText + u", "_s + *section : box.startText) + reminder;
+        QString description = section ? box.startText + u", "_s + *section : box.startText;
+        if (box.tomorrow)
+            description += u", tomorrow"_s;
+        if (m_timeline->isMarked(m_index))
+            description += u", reminder set"_s;
+        return description;
     }
     default:
         return {};

@@ -105,6 +105,13 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
     m_painter.setDevicePixelRatio(devicePixelRatioF());
     m_painter.setBackground(palette().color(QPalette::Window));
 
+    if (m_dayEndX && exposed.intersects(QRectF(*m_dayEndX - 1, 0, 200, height()))) {
+        QColor faint = palette().color(QPalette::WindowText);
+        faint.setAlphaF(0.35F);
+        painter.fillRect(QRectF(*m_dayEndX - 1, 0, 1.0, height()), faint);
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(QPointF(*m_dayEndX + 4, QFontMetricsF(font()).ascent() + 3), m_nextDay);
+    }
     if (m_markerX) {
         painter.fillRect(QRectF(*m_markerX, 0, 1.0, height()), Qt::red);
     }
@@ -236,6 +243,13 @@ void TimelineWidget::pressCopyButton(qsizetype box)
 {
     if (box >= 0 && box < m_boxes.size() && m_boxes.at(box).event().chatLink)
         Q_EMIT copyRequested(box);
+}
+
+void TimelineWidget::setDayEnd(double x, const QString &nextDay)
+{
+    m_dayEndX = x;
+    m_nextDay = nextDay;
+    update();
 }
 
 void TimelineWidget::setMarkedNames(const QSet<QString> &names)

@@ -47,6 +47,10 @@ public:
     // events without a chat link have no button, and nothing happens.
     void pressCopyButton(qsizetype box);
 
+    // Where the day ends, when the next day's first hours follow: a faint line there, with the
+    // next day's date at its top.
+    void setDayEnd(double x, const QString &nextDay);
+
     // The names of the events marked for reminders: their boxes carry a bell.
     void setMarkedNames(const QSet<QString> &names);
     bool isMarked(qsizetype box) const;
@@ -108,6 +112,8 @@ private:
     std::optional<qsizetype> m_pressedButton;
     std::optional<qsizetype> m_currentBox;
     QSet<QString> m_markedNames;
+    std::optional<double> m_dayEndX;
+    QString m_nextDay;
 };
 
 } // namespace eventtimer

@@ -11,6 +11,7 @@
 #include <QGraphicsDropShadowEffect>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QLocale>
 #include <QScrollBar>
 #include <QVBoxLayout>
 #include <QtMath>
@@ -240,8 +241,9 @@ void ViewController::startTimer()
 void ViewController::layOutSections()
 {
     m_builtAt = m_clock.now();
-    m_geometry = TimetableLayout::build(m_sections, m_clock.zone(), m_builtAt,
-                                        [this](const QString &name) { return labelHeight(name); });
+    m_geometry = TimetableLayout::build(
+        m_sections, m_clock.zone(), m_builtAt,
+        [this](const QString &name) { return labelHeight(name); }, m_followingDay);
     // The sections in their list order, whatever the grouping on screen.
     m_globalSequence = eventtimer::globalSequence(m_sections, m_clock.zone());
 }
@@ -270,6 +272,10 @@ void ViewController::buildSectionColumn()
 void ViewController::buildTimeline()
 {
     m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
+    if (m_geometry.followingDate.isValid())
+        m_horizontalScrollContent->setDayEnd(
+            static_cast<double>(TimetableLayout::dayEndMinute * C::minutesMultiplier),
+            QLocale::c().toString(m_geometry.followingDate, u"ddd d MMM"));
     connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
             &ViewController::copyToClipboardWithSender);
     connect(m_horizontalScrollContent, &TimelineWidget::revealRequested, this,

@@ -58,6 +58,9 @@ public:
     // The sections are taken here, once; problem says why there are none, when there are none.
     // The timetable is built now if the view has appeared.
     void loadDidFinish(const SectionList &sections, const QString &problem = {});
+    // The same document's sections for the next day, taken before the timetable is built: the
+    // axis goes on after the day's end with their first hours.
+    void setFollowingDay(const SectionList &sections) { m_followingDay = sections; }
     // When the view is shown (its QEvent::Show): builds the timetable if the sections are in;
     // later appearances change nothing.
     void viewDidAppear();
@@ -134,6 +137,7 @@ private:
     QPointer<QLabel> m_statusMessage;
 
     SectionList m_sections;
+    SectionList m_followingDay;
     QHash<QString, QGroupBox *> m_categories;
     GlobalSequence m_globalSequence;
     std::optional<double> m_timeConstraint;

@@ -69,6 +69,7 @@ private:
         UrlLoader loader({std::chrono::milliseconds(timeoutMs), 1024 * 1024});
         EventDataSource source(settings, cache, loader, *m_clock, out, err);
         m_sections = source.loadSections();
+        m_following = source.followingDay();
         return output.split(u'\n', Qt::SkipEmptyParts);
     }
 
@@ -93,6 +94,7 @@ private:
     std::unique_ptr<EventService> m_service;
     std::unique_ptr<ManualClock> m_clock;
     SectionList m_sections;
+    SectionList m_following;
 
 private Q_SLOTS:
     void init()
@@ -123,6 +125,10 @@ private Q_SLOTS:
     {
         QCOMPARE(load(), (QStringList{connectionOk, jsonOk}));
         QCOMPARE(m_sections.size(), 2);
+        // The same document from the next midnight, for looking past the day's end.
+        QCOMPARE(m_following.size(), 2);
+        QCOMPARE(m_following.first()->sequence.first()->time,
+                 secondsSinceEpoch(noon.date().addDays(1).startOfDay(QTimeZone::utc())));
         // Both files are kept, as the next start reads them.
         QCOMPARE(kept(EventDataSource::documentFile), goodDocument);
         QCOMPARE(kept(EventDataSource::dateFile), dateText(noon));

@@ -123,6 +123,84 @@ private Q_SLOTS:
         QCOMPARE(geometry.axisWidth(), axisWidth);
     }
 
+    // After the day's end, the next day's first six hours in the same rows; the day's own
+    // boxes as they were.
+    void continuesIntoTheNextDay_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        QTest::addColumn<QDate>("day");
+        QTest::addColumn<QList<int>>("today"); // start and length in minutes, pair by pair
+        QTest::addColumn<QList<int>>("following");
+        QTest::addColumn<QList<double>>("lefts");
+        QTest::addColumn<QString>("firstText");
+
+        QList<int> halfHours;
+        for (int start = 0; start < 1440; start += 30)
+            halfHours << start << 30;
+        QTest::newRow("30-minute entries: six hours of them")
+            << "UTC"_ba << QDate(2026, 11, 22) << halfHours << halfHours
+            << QList<double>{14400, 14700, 15000, 15300, 15600, 15900,
+                             16200, 16500, 16800, 17100, 17400, 17700}
+            << u"00:00"_s;
+        QTest::newRow("none under the day's last box, which runs on")
+            << "UTC"_ba << QDate(2026, 11, 22) << QList<int>{0, 60, 1380, 120}
+            << QList<int>{0, 60, 60, 30, 90, 30} << QList<double>{15000, 15300} << u"01:00"_s;
+        QTest::newRow("UTC+2: from the next local midnight, shown shifted")
+            << "UTC+02:00"_ba << QDate(2026, 11, 22) << QList<int>{0, 60}
+            << QList<int>{0, 30, 30, 30} << QList<double>{14400, 14700} << u"02:00"_s;
+        QTest::newRow("after a 25-hour day, from the next local midnight")
+            << "Europe/Berlin"_ba << QDate(2026, 10, 25) << QList<int>{0, 60}
+            << QList<int>{0, 30, 400, 30} << QList<double>{14400} << u"01:00"_s;
+    }
+
+    void continuesIntoTheNextDay()
+    {
+        QFETCH(QByteArray, zone);
+        QFETCH(QDate, day);
+        QFETCH(QList<int>, today);
+        QFETCH(QList<int>, following);
+        QFETCH(QList<double>, lefts);
+        QFETCH(QString, firstText);
+        const QTimeZone timeZone(zone);
+        const QDateTime now(day, QTime(12, 0), timeZone);
+        const auto occurrences = [](const QList<int> &pairs) {
+            QList<Occurrence> list;
+            for (qsizetype i = 0; i + 1 < pairs.size(); i += 2)
+                list.append({u"A"_s, pairs.at(i), pairs.at(i + 1)});
+            return list;
+        };
+        const SectionList sections{makeSection(u"C"_s, u"S"_s,
+                                               secondsSinceEpoch(day.startOfDay(timeZone)),
+                                               occurrences(today)),
+                                   section(u"C"_s, u"Empty"_s)};
+        const SectionList next{makeSection(u"C"_s, u"S"_s,
+                                           secondsSinceEpoch(day.addDays(1).startOfDay(timeZone)),
+                                           occurrences(following))};
+        const auto height = [](const QString &) {
+            return h;
+        };
+        const TimetableGeometry alone = TimetableLayout::build(sections, timeZone, now, height);
+        const TimetableGeometry geometry =
+            TimetableLayout::build(sections, timeZone, now, height, next);
+
+        QCOMPARE(geometry.followingDate, day.addDays(1));
+        QCOMPARE(geometry.axisWidth(), std::max(18000.0, alone.axisWidth()));
+        const qsizetype own = alone.eventBoxes.size();
+        QList<double> got;
+        for (qsizetype i = 0; i < geometry.eventBoxes.size(); ++i) {
+            const EventBoxGeometry &box = geometry.eventBoxes.at(i);
+            QCOMPARE(box.tomorrow, i >= own);
+            if (i < own) {
+                QCOMPARE(box.rect, alone.eventBoxes.at(i).rect);
+                continue;
+            }
+            got.append(box.rect.left());
+            QCOMPARE(box.rect.top(), alone.eventBoxes.first().rect.top());
+        }
+        QCOMPARE(got, lefts);
+        QCOMPARE(geometry.eventBoxes.at(own).startText, firstText);
+    }
+
     void partsOfABox()
     {
         const QRectF box(100, 44, 447, 52);
