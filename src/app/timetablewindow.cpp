@@ -211,6 +211,7 @@ void TimetableWindow::load(bool download)
     ViewController *next = m_next.get();
     next->viewDidLoad();
     next->setReminderChoices(&m_reminders->choices());
+    next->setWikiPageUrl(m_settings.value(settingskeys::wikiPageUrl).toString().trimmed());
     connect(next, &ViewController::preferencesRequested, this, &TimetableWindow::showPreferences);
     connect(next, &ViewController::timeUpdated, this, &TimetableWindow::minuteTick);
     // The timetable is built when its view first shows, as it is on the screen.

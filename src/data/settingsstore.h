@@ -13,6 +13,8 @@ namespace eventtimer {
 // Every key the program keeps in the user's settings file, in one place.
 namespace settingskeys {
 inline constexpr QStringView serviceUrl = u"event_service_url";
+// The address of an event's wiki page, with {page} for its name: only https.
+inline constexpr QStringView wikiPageUrl = u"wiki_page_url";
 // The window as it was last closed: its normal geometry, and whether it was maximized.
 inline constexpr QStringView windowGeometry = u"window/geometry";
 inline constexpr QStringView windowMaximized = u"window/maximized";

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 namespace eventtimer {
 
 using C = LayoutConstants;
@@ -21,6 +23,21 @@ QRectF SectionLabelGeometry::rect(double columnWidth) const
     // Only the width and top are fixed by the rules; the label sits boxMargin inside its box.
     const double boxWidth = columnWidth - 2 * C::categoryDistance;
     return QRectF(C::boxMargin + C::boxMargin, top, boxWidth - 2 * C::boxMargin, height);
+}
+
+QString EventBoxGeometry::timeSpanText() const
+{
+    const qint64 length = item->duration;
+    const QTime start = QTime::fromString(startText, u"HH:mm");
+    const QString end = start.addSecs(length * 60).toString(u"HH:mm");
+    const qint64 hours = length / 60;
+    const qint64 minutes = length % 60;
+    QString duration;
+    if (hours > 0)
+        duration = QString::number(hours) + u" h"_s;
+    if (minutes > 0 || hours == 0)
+        duration += (duration.isEmpty() ? u""_s : u" "_s) + QString::number(minutes) + u" min"_s;
+    return startText + u"\u2013"_s + end + u", "_s + duration;
 }
 
 QRectF EventBoxGeometry::nameRect(const QRectF &box, double textHeight)

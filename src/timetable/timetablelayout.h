@@ -48,6 +48,8 @@ struct EventBoxGeometry
     bool tomorrow = false;
 
     const Event &event() const { return *item->event; }
+    // "21:20–21:35, 15 min": the shown start, the end and the length.
+    QString timeSpanText() const;
 
     // Where the parts of a box go: the name along the top, the start time at the bottom left,
     // the icon centred, the copy button in the bottom-right corner.

@@ -1,6 +1,7 @@
 #include "ui/timelinewidget.h"
 
 #include "model/event.h"
+#include "timetable/hourruler.h"
 #include "ui/timelineaccessible.h"
 
 #include <QAccessible>
@@ -18,6 +19,17 @@
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
+
+namespace {
+
+// Texts from the event document shown as they are, whatever they look like: a tooltip would
+// take a name with angle brackets for markup.
+QString plainToolTip(const QString &text)
+{
+    return u"<p style='white-space:pre'>"_s + text.toHtmlEscaped() + u"</p>"_s;
+}
+
+} // namespace
 
 TimelineWidget::TimelineWidget(QWidget *parent)
     : QWidget(parent)
@@ -56,9 +68,34 @@ void TimelineWidget::setMarkerX(double x)
 {
     const std::optional<double> previous = m_markerX;
     m_markerX = x;
+    // The marker's old and new place, and the veil between them.
+    const double from = previous ? std::min(*previous, x) : x;
+    const double to = previous ? std::max(*previous, x) : x;
+    update(QRectF(from - 1, 0, to - from + 3, height()).toAlignedRect());
+}
+
+void TimelineWidget::setHourOffset(qint64 minutes)
+{
+    m_hourOffset = minutes;
+    update();
+}
+
+void TimelineWidget::setFindState(std::optional<QList<qsizetype>> matches,
+                                  std::optional<qsizetype> current)
+{
+    const std::optional<qsizetype> previous = m_findCurrent;
+    m_findCurrent = current;
     if (previous)
-        update(QRectF(*previous, 0, 1, height()).toAlignedRect());
-    update(QRectF(x, 0, 1, height()).toAlignedRect());
+        invalidateBox(*previous);
+    if (current)
+        invalidateBox(*current);
+    std::optional<QSet<qsizetype>> matching;
+    if (matches)
+        matching = QSet<qsizetype>(matches->cbegin(), matches->cend());
+    if (matching != m_findMatches) {
+        m_findMatches = std::move(matching);
+        update();
+    }
 }
 
 std::optional<qsizetype> TimelineWidget::boxAt(QPointF point) const
@@ -84,13 +121,20 @@ std::optional<qsizetype> TimelineWidget::copyButtonAt(QPointF point) const
     return button.contains(point) ? box : std::nullopt;
 }
 
+QColor TimelineWidget::veil(float opacity) const
+{
+    QColor colour = palette().color(QPalette::Window);
+    colour.setAlphaF(opacity);
+    return colour;
+}
+
 EventBoxPainter::State TimelineWidget::stateOf(qsizetype index) const
 {
     EventBoxPainter::State state;
     if (m_hoveredButton == index)
         state.button = m_pressedButton == index ? EventBoxPainter::Button::Pressed
                                                 : EventBoxPainter::Button::Hovered;
-    if (hasFocus() && m_currentBox == index)
+    if ((hasFocus() && m_currentBox == index) || m_findCurrent == index)
         state.focusRing = palette().color(QPalette::Highlight);
     state.marked = isMarked(index);
     return state;
@@ -105,6 +149,14 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
     m_painter.setDevicePixelRatio(devicePixelRatioF());
     m_painter.setBackground(palette().color(QPalette::Window));
 
+    if (m_hourOffset) {
+        QColor faint = palette().color(QPalette::WindowText);
+        faint.setAlphaF(0.08F);
+        for (const RulerMark &mark :
+             rulerMarks(exposed.left() - 1, exposed.right() + 1, *m_hourOffset))
+            if (mark.hour)
+                painter.fillRect(QRectF(mark.x, exposed.top(), 1.0, exposed.height()), faint);
+    }
     if (m_dayEndX && exposed.intersects(QRectF(*m_dayEndX - 1, 0, 200, height()))) {
         QColor faint = palette().color(QPalette::WindowText);
         faint.setAlphaF(0.35F);
@@ -125,8 +177,14 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
             painter.drawPixmap(rect.topLeft(), boxPixmap(i));
         else
             m_painter.paint(painter, m_boxes.at(i), stateOf(i));
+        if (m_findMatches && !m_findMatches->contains(i))
+            painter.fillRect(rect, veil(0.75F));
     }
     m_paintedOnce = true;
+    // What is over reads as over: a veil in the window's own colour, lighter in a light theme
+    // and darker in a dark one, up to the marker.
+    if (m_markerX)
+        painter.fillRect(pastVeil(*m_markerX, height()).intersected(exposed), veil(0.45F));
 }
 
 const QPixmap &TimelineWidget::boxPixmap(qsizetype index)
@@ -401,18 +459,31 @@ void TimelineWidget::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
 }
 
+QString TimelineWidget::boxDetails(qsizetype box) const
+{
+    const EventBoxGeometry &geometry = m_boxes.at(box);
+    const Event &event = geometry.event();
+    QStringList lines{event.name};
+    if (event.section)
+        lines.append(*event.section);
+    lines.append(geometry.timeSpanText() + (geometry.tomorrow ? u", tomorrow"_s : QString()));
+    if (event.chatLink)
+        lines.append(*event.chatLink);
+    return lines.join(u'\n');
+}
+
 bool TimelineWidget::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip) {
         auto *help = static_cast<QHelpEvent *>(event);
         const QPointF point = help->pos();
         if (const std::optional<qsizetype> button = copyButtonAt(point)) {
-            QToolTip::showText(help->globalPos(), *m_boxes.at(*button).event().chatLink, this,
+            QToolTip::showText(help->globalPos(),
+                               plainToolTip(*m_boxes.at(*button).event().chatLink), this,
                                copyButtonRect(*button).toAlignedRect());
         } else if (const std::optional<qsizetype> box = boxAt(point)) {
             const EventBoxGeometry &geometry = m_boxes.at(*box);
-            QToolTip::showText(help->globalPos(),
-                               geometry.event().name + u" \u2014 "_s + geometry.startText, this,
+            QToolTip::showText(help->globalPos(), plainToolTip(boxDetails(*box)), this,
                                geometry.rect.toAlignedRect());
         } else {
             QToolTip::hideText();

@@ -16,7 +16,8 @@ namespace eventtimer {
 // The time axis: every event box of the day painted by one widget, which paints only the part
 // that is exposed. Boxes are records, not widgets: a day of thousands of occurrences costs no
 // more to build than its arithmetic. The current-time marker is painted first, under the
-// boxes; copy buttons are hit-tested, with a pointing cursor and the chat link as tooltip.
+// boxes, with faint hour lines; the past is veiled over them. Copy buttons are hit-tested,
+// with a pointing cursor and the chat link as tooltip; a box's tooltip tells all about it.
 //
 // Keyboard users move a focus ring from box to box (TimelineNavigation) and copy with Enter or
 // the copy shortcut; assistive technology sees one item per box (TimelineAccessible).
@@ -50,6 +51,17 @@ public:
     // Where the day ends, when the next day's first hours follow: a faint line there, with the
     // next day's date at its top.
     void setDayEnd(double x, const QString &nextDay);
+
+    // The offset from UTC the boxes' texts use, in minutes: faint lines at their hours run
+    // behind the boxes.
+    void setHourOffset(qint64 minutes);
+
+    // While find is open: the boxes that match stay clear, the others are veiled, and the
+    // current match carries the ring. Absent: no find.
+    void setFindState(std::optional<QList<qsizetype>> matches, std::optional<qsizetype> current);
+
+    // Everything about a box, line by line: name, section, times and length, chat link.
+    QString boxDetails(qsizetype box) const;
 
     // The names of the events marked for reminders: their boxes carry a bell.
     void setMarkedNames(const QSet<QString> &names);
@@ -86,6 +98,7 @@ private:
     static constexpr qsizetype pixmapCacheKb = 12 * 1024;
 
     EventBoxPainter::State stateOf(qsizetype index) const;
+    QColor veil(float opacity) const;
     const QPixmap &boxPixmap(qsizetype index);
     void invalidateBox(qsizetype index);
     void setHovered(std::optional<qsizetype> button);
@@ -114,6 +127,9 @@ private:
     QSet<QString> m_markedNames;
     std::optional<double> m_dayEndX;
     QString m_nextDay;
+    std::optional<qint64> m_hourOffset;
+    std::optional<QSet<qsizetype>> m_findMatches;
+    std::optional<qsizetype> m_findCurrent;
 };
 
 } // namespace eventtimer

@@ -2,12 +2,16 @@
 
 #include "model/clock.h"
 #include "model/reminderchoices.h"
+#include "model/wikipage.h"
+#include "timetable/find.h"
 #include "timetable/layoutconstants.h"
 #include "timetable/timebase.h"
 #include "ui/categorybox.h"
 #include "ui/eventhook.h"
 
+#include <QAction>
 #include <QClipboard>
+#include <QDesktopServices>
 #include <QGraphicsDropShadowEffect>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -68,6 +72,29 @@ void ViewController::loadView()
     auto *layout = new QVBoxLayout(m_view);
     layout->setContentsMargins(0, 0, 0, 0);
 
+    // Above the rows: the find field, when open, and the hour ruler, beside the room of the
+    // section column.
+    m_rulerRow = new QWidget(m_view);
+    auto *rulerLayout = new QHBoxLayout(m_rulerRow);
+    rulerLayout->setContentsMargins(0, 0, 0, 0);
+    rulerLayout->setSpacing(0);
+    m_rulerIndent = new QWidget(m_rulerRow);
+    m_hourRuler = new HourRulerWidget(m_rulerRow);
+    rulerLayout->addWidget(m_rulerIndent);
+    rulerLayout->addWidget(m_hourRuler, 1);
+    m_rulerRow->hide();
+    layout->addWidget(m_rulerRow);
+    const auto addAction = [this](const QList<QKeySequence> &keys, auto slot) {
+        auto *action = new QAction(m_view);
+        action->setShortcuts(keys);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        connect(action, &QAction::triggered, this, slot);
+        m_view->addAction(action);
+    };
+    addAction(QKeySequence::keyBindings(QKeySequence::Find), [this] { openFind(); });
+    addAction(QKeySequence::keyBindings(QKeySequence::FindNext), [this] { stepFind(true); });
+    addAction(QKeySequence::keyBindings(QKeySequence::FindPrevious), [this] { stepFind(false); });
+
     m_verticalScroll = new QScrollArea(m_view);
     m_verticalScroll->setWidgetResizable(true);
     m_verticalScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -87,6 +114,8 @@ void ViewController::loadView()
     m_horizontalScroll->setFocusPolicy(Qt::NoFocus);
     m_horizontalScrollContent = new TimelineWidget;
     m_horizontalScroll->setWidget(m_horizontalScrollContent);
+    connect(m_horizontalScroll->horizontalScrollBar(), &QScrollBar::valueChanged, m_hourRuler,
+            &HourRulerWidget::setScroll);
     row->addWidget(m_sectionsView, 0, Qt::AlignTop);
     row->addWidget(m_horizontalScroll, 1);
     m_verticalScroll->setWidget(m_verticalScrollContent);
@@ -252,6 +281,7 @@ void ViewController::buildSectionColumn()
 {
     // Category boxes and their labels are real widgets: a few dozen at most.
     m_sectionsView->setFixedWidth(sectionColumnWidth());
+    m_rulerIndent->setFixedWidth(sectionColumnWidth());
     for (const CategoryBoxGeometry &geometry : std::as_const(m_geometry.categoryBoxes)) {
         auto *box = new CategoryBox(geometry.title, m_sectionsView);
         m_categories.insert(geometry.title, box);
@@ -272,6 +302,10 @@ void ViewController::buildSectionColumn()
 void ViewController::buildTimeline()
 {
     m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
+    // The boxes' texts are shifted by the offset at the moment they were made; so is the ruler.
+    const qint64 offsetMinutes = m_clock.zone().offsetFromUtc(m_builtAt) / 60;
+    m_horizontalScrollContent->setHourOffset(offsetMinutes);
+    m_hourRuler->setOffsetMinutes(offsetMinutes);
     if (m_geometry.followingDate.isValid())
         m_horizontalScrollContent->setDayEnd(
             static_cast<double>(TimetableLayout::dayEndMinute * C::minutesMultiplier),
@@ -311,6 +345,7 @@ void ViewController::sizeContents()
 
     const bool empty = m_sections.isEmpty();
     m_verticalScroll->setVisible(!empty);
+    m_rulerRow->setVisible(!empty);
     m_emptyMessage->setVisible(empty);
     m_statusMessage->setVisible(empty && !m_statusMessage->text().isEmpty());
 }
@@ -389,6 +424,14 @@ QMenu *ViewController::boxMenu(qsizetype box)
     copyLink->setEnabled(event->chatLink.has_value());
     menu->addAction(u"Copy name"_s, this,
                     [event] { QGuiApplication::clipboard()->setText(event->name); });
+    if (!m_wikiPageUrl.isEmpty()) {
+        const std::optional<QUrl> page = wikiPageUrl(m_wikiPageUrl, event->wiki);
+        QAction *open = menu->addAction(u"Open wiki page"_s, this, [page] {
+            if (page)
+                QDesktopServices::openUrl(*page);
+        });
+        open->setEnabled(page.has_value());
+    }
     if (m_choices) {
         menu->addSeparator();
         QAction *remind = menu->addAction(u"Remind me of "_s + event->name, this, [this, event] {
@@ -401,6 +444,76 @@ QMenu *ViewController::boxMenu(qsizetype box)
                         [this] { Q_EMIT preferencesRequested(); });
     }
     return menu;
+}
+
+void ViewController::openFind()
+{
+    if (!m_built || m_sections.isEmpty())
+        return;
+    if (!m_findBar) {
+        // Made when first asked for: a start has no use for it.
+        m_findBar = new FindBar(m_view);
+        static_cast<QVBoxLayout *>(m_view->layout())->insertWidget(0, m_findBar);
+        connect(m_findBar, &FindBar::queryChanged, this, &ViewController::findQueryChanged);
+        connect(m_findBar, &FindBar::stepRequested, this, &ViewController::stepFind);
+        connect(m_findBar, &FindBar::closeRequested, this, &ViewController::closeFind);
+    }
+    if (!m_scrollBeforeFind)
+        m_scrollBeforeFind = QPoint(m_horizontalScroll->horizontalScrollBar()->value(),
+                                    m_verticalScroll->verticalScrollBar()->value());
+    m_findBar->show();
+    m_findBar->field()->setFocus(Qt::ShortcutFocusReason);
+    m_findBar->field()->selectAll();
+}
+
+void ViewController::findQueryChanged(const QString &query)
+{
+    const QList<EventBoxGeometry> &boxes = m_horizontalScrollContent->boxes();
+    m_findMatches = findMatches(boxes, query);
+    m_findCurrent = firstMatchFrom(boxes, m_findMatches, m_timeConstraint.value_or(0.0));
+    showFind();
+}
+
+void ViewController::stepFind(bool forward)
+{
+    if (!m_findBar || !m_findBar->isVisible()) {
+        openFind();
+        return;
+    }
+    if (!m_findCurrent)
+        return;
+    m_findCurrent = stepMatch(*m_findCurrent, m_findMatches.size(), forward);
+    showFind();
+}
+
+void ViewController::showFind()
+{
+    const bool finding = !m_findBar->field()->text().isEmpty();
+    const std::optional<qsizetype> box =
+        m_findCurrent ? std::optional(m_findMatches.at(*m_findCurrent)) : std::nullopt;
+    m_horizontalScrollContent->setFindState(finding ? std::optional(m_findMatches) : std::nullopt,
+                                            box);
+    m_findBar->showCount(m_findCurrent.value_or(0), m_findMatches.size());
+    if (box)
+        revealBox(*box);
+}
+
+void ViewController::closeFind()
+{
+    if (!m_findBar || !m_findBar->isVisible())
+        return;
+    m_findBar->hide();
+    m_findMatches.clear();
+    m_findCurrent.reset();
+    m_horizontalScrollContent->setFindState(std::nullopt, std::nullopt);
+    // The keyboard goes back to the axis, which may bring its ring into view; then the view is
+    // put back as it was.
+    m_horizontalScrollContent->setFocus(Qt::OtherFocusReason);
+    if (m_scrollBeforeFind) {
+        m_horizontalScroll->horizontalScrollBar()->setValue(m_scrollBeforeFind->x());
+        m_verticalScroll->verticalScrollBar()->setValue(m_scrollBeforeFind->y());
+        m_scrollBeforeFind.reset();
+    }
 }
 
 void ViewController::hideClipboardMessage()

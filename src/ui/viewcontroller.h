@@ -3,6 +3,8 @@
 #include "model/globalsequence.h"
 #include "model/section.h"
 #include "timetable/timetablelayout.h"
+#include "ui/findbar.h"
+#include "ui/hourrulerwidget.h"
 #include "ui/scroll/horizontalscroll.h"
 #include "ui/timelinewidget.h"
 
@@ -81,8 +83,22 @@ public:
 
     // The player's reminder marks: shown as bells, set and removed from a box's menu and with R.
     void setReminderChoices(ReminderChoices *choices);
-    // The menu of a box: copy the chat link or the name, set or remove the event's reminder,
-    // the reminder preferences. The caller shows it; it deletes itself once closed.
+    // The settings' wiki address template ("https://…/{page}"): the box menu then opens an
+    // event's wiki page.
+    void setWikiPageUrl(const QString &urlTemplate) { m_wikiPageUrl = urlTemplate; }
+
+    // Find (Ctrl+F): the field above the axis; as it is typed in, the matching boxes stay clear
+    // and the first from the marker on is shown; F3 and Enter go on, Shift+F3 back; Escape
+    // closes it and puts the view back as it was.
+    void openFind();
+    void stepFind(bool forward);
+    void closeFind();
+    // Absent until find is first opened.
+    FindBar *findBar() const { return m_findBar; }
+    HourRulerWidget *hourRuler() const { return m_hourRuler; }
+    // The menu of a box: copy the chat link or the name, open the wiki page, set or remove the
+    // event's reminder, the reminder preferences. The caller shows it; it deletes itself once
+    // closed.
     QMenu *boxMenu(qsizetype box);
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
@@ -116,6 +132,8 @@ private:
     void sizeContents();
 
     void showMarks();
+    void findQueryChanged(const QString &query);
+    void showFind();
     void placeSectionColumn();
     double labelHeight(const QString &name) const;
     int sectionColumnWidth() const;
@@ -125,6 +143,7 @@ private:
     SuiteExporter m_exportToSharedSuite;
     Clock &m_clock;
     QPointer<ReminderChoices> m_choices;
+    QString m_wikiPageUrl;
 
     QPointer<QWidget> m_view;
     QPointer<QScrollArea> m_verticalScroll;
@@ -135,6 +154,13 @@ private:
     QPointer<QFrame> m_clipboardMessage;
     QPointer<QLabel> m_emptyMessage;
     QPointer<QLabel> m_statusMessage;
+    QPointer<FindBar> m_findBar;
+    QPointer<QWidget> m_rulerRow;
+    QPointer<QWidget> m_rulerIndent;
+    QPointer<HourRulerWidget> m_hourRuler;
+    QList<qsizetype> m_findMatches;
+    std::optional<qsizetype> m_findCurrent;
+    std::optional<QPoint> m_scrollBeforeFind;
 
     SectionList m_sections;
     SectionList m_followingDay;

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QScrollBar>
@@ -14,6 +15,18 @@
 using namespace eventtimer;
 using namespace eventtimer::testing;
 using namespace Qt::StringLiterals;
+
+// Stands in for the desktop's browser.
+class UrlCatcher : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    void open(const QUrl &url) { opened.append(url); }
+
+public:
+    QList<QUrl> opened;
+};
 
 class TestTimelineKeyboard : public QObject
 {
@@ -183,6 +196,51 @@ private Q_SLOTS:
         delete menu;
         QVERIFY(!choices.isMarked(u"Market"_s));
         QCOMPARE(timeline.grab(timeline.boxes().at(market).rect.toAlignedRect()).toImage(), plain);
+    }
+
+    // The ruler stands over the boxes at any scroll position; find walks the matches from the
+    // marker on and puts the view back when closed; the menu opens the event's wiki page.
+    void rulerFindAndWikiPage()
+    {
+        SmallTimetable window;
+        QVERIFY(window.exposed());
+        ViewController &controller = window.controller();
+        QWidget *view = controller.view();
+        QScrollBar *day = controller.horizontalScroll()->horizontalScrollBar();
+        for (const int scroll : {0, 2500, day->maximum()}) {
+            day->setValue(scroll);
+            QCOMPARE(controller.hourRuler()->mapTo(view, QPoint(6000 - day->value(), 0)).x(),
+                     window.timeline().mapTo(view, QPoint(6000, 0)).x());
+        }
+
+        const int before = day->value();
+        view->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(view));
+        QTest::keyClick(view, Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(controller.findBar()->field()->hasFocus());
+        QTest::keyClicks(controller.findBar()->field(), u"siege"_s);
+        QCOMPARE(controller.findBar()->count()->text(), u"2 of 2"_s); // 12:00, after 10:00
+        QTest::keyClick(controller.findBar()->field(), Qt::Key_F3);
+        QCOMPARE(controller.findBar()->count()->text(), u"1 of 2"_s);
+        QCOMPARE_LT(day->value(), 100);
+        QTest::keyClick(controller.findBar()->field(), Qt::Key_F3, Qt::ShiftModifier);
+        QCOMPARE(controller.findBar()->count()->text(), u"2 of 2"_s);
+        QTest::keyClick(controller.findBar()->field(), Qt::Key_Escape);
+        QVERIFY(!controller.findBar()->isVisible());
+        QCOMPARE(day->value(), before);
+
+        UrlCatcher browser;
+        QDesktopServices::setUrlHandler(u"https"_s, &browser, "open");
+        controller.setWikiPageUrl(u"https://wiki.example.org/{page}"_s);
+        const qsizetype tide = window.box(u"Tide 09:00"_s);
+        window.timeline().boxes().at(tide).item->event->wiki = u"Tide Pools"_s;
+        QCOMPARE(window.timeline().boxDetails(tide),
+                 u"Tide\nHarbour\n09:00\u201310:00, 1 h\n[&BAAAAA=]"_s);
+        QMenu *menu = controller.boxMenu(tide);
+        menu->actions().at(2)->trigger();
+        delete menu;
+        QDesktopServices::unsetUrlHandler(u"https"_s);
+        QCOMPARE(browser.opened, QList<QUrl>{QUrl(u"https://wiki.example.org/Tide%20Pools"_s)});
     }
 };
 

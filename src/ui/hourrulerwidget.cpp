@@ -1,0 +1,69 @@
+#include "ui/hourrulerwidget.h"
+
+#include "timetable/hourruler.h"
+
+#include <QFontMetricsF>
+#include <QPaintEvent>
+#include <QPainter>
+
+namespace eventtimer {
+
+namespace {
+
+constexpr double hourTick = 7.0;
+constexpr double quarterTick = 3.0;
+
+} // namespace
+
+HourRulerWidget::HourRulerWidget(QWidget *parent)
+    : QWidget(parent)
+{
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void HourRulerWidget::setOffsetMinutes(qint64 minutes)
+{
+    m_offsetMinutes = minutes;
+    update();
+}
+
+void HourRulerWidget::setScroll(int x)
+{
+    if (x != m_scroll) {
+        m_scroll = x;
+        update();
+    }
+}
+
+QSize HourRulerWidget::sizeHint() const
+{
+    return QSize(100, fontMetrics().height() + static_cast<int>(hourTick) + 4);
+}
+
+void HourRulerWidget::paintEvent(QPaintEvent *event)
+{
+    if (!m_offsetMinutes)
+        return;
+    QPainter painter(this);
+    const QRectF exposed = event->rect();
+    const QFontMetricsF metrics(font());
+    const double bottom = height() - 0.5;
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(QPointF(exposed.left(), bottom), QPointF(exposed.right(), bottom));
+    // Labels reach half their width beyond the exposed part.
+    const double slack = metrics.horizontalAdvance(QStringLiteral("00:00"));
+    for (const RulerMark &mark : rulerMarks(m_scroll + exposed.left() - slack,
+                                            m_scroll + exposed.right() + slack, *m_offsetMinutes)) {
+        const double x = mark.x - m_scroll + 0.5;
+        painter.setPen(palette().color(mark.hour ? QPalette::WindowText : QPalette::Mid));
+        painter.drawLine(QPointF(x, bottom),
+                         QPointF(x, bottom - (mark.hour ? hourTick : quarterTick)));
+        if (mark.hour) {
+            const double width = metrics.horizontalAdvance(mark.label);
+            painter.drawText(QPointF(x - width / 2, bottom - hourTick - 2 - metrics.descent()),
+                             mark.label);
+        }
+    }
+}
+
+} // namespace eventtimer
