@@ -63,8 +63,10 @@ Result<CheckedEntry> checkEntry(const QJsonValue &entry, qint64 skippedSegments,
     return checked;
 }
 
-Status applyEntry(const CheckedEntry &entry, double &nextStart, Section &section,
-                  const ScheduleDay &day)
+// One schedule entry, already read: adds its occurrence (unless it is a pause) and moves
+// nextStart on by its minutes. The one place a section's occurrences are made.
+Status expandEntry(const CheckedEntry &entry, double &nextStart, Section &section,
+                   const ScheduleDay &day)
 {
     if (entry.position >= 0) {
         if (nextStart < day.start())
@@ -99,7 +101,7 @@ Status expandList(QStringView name, const QJsonArray &entries, double &nextStart
                 return inEntry(name, i, read.error());
             entry = read.value();
         }
-        if (Status status = applyEntry(*entry, nextStart, section, day); !status)
+        if (Status status = expandEntry(*entry, nextStart, section, day); !status)
             return inEntry(name, i, status.error());
     }
     return {};
@@ -136,17 +138,6 @@ Status expandSchedule(Section &section, qint64 skippedSegments, const QJsonArray
                          u" minutes, so the day never fills"_s};
     }
     return {};
-}
-
-Status expandEntry(const QJsonValue &entry, double &nextStart, qint64 skippedSegments,
-                   Section &section, const ScheduleDay &day)
-{
-    if (!(nextStart < day.end()))
-        return {};
-    const Result<CheckedEntry> checked = checkEntry(entry, skippedSegments, section);
-    if (!checked)
-        return Error{checked.error()};
-    return applyEntry(checked.value(), nextStart, section, day);
 }
 
 } // namespace eventtimer

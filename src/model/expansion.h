@@ -32,9 +32,4 @@ Status expandSchedule(Section &section, qint64 skippedSegments, const QJsonArray
                       const QJsonArray &pattern, const ScheduleDay &day,
                       DocumentBudget *budget = nullptr);
 
-// One schedule entry: adds its occurrence (unless it is a pause) and moves nextStart on by its
-// minutes. Does nothing at all once nextStart has reached the end of the day.
-Status expandEntry(const QJsonValue &entry, double &nextStart, qint64 skippedSegments,
-                   Section &section, const ScheduleDay &day);
-
 } // namespace eventtimer
