@@ -203,6 +203,8 @@ public:
         , m_progress(std::move(progress))
     {
         m_deadline.setSingleShot(true);
+        // A coarse timer may end the batch up to 5 % early, before the time it names.
+        m_deadline.setTimerType(Qt::PreciseTimer);
         QObject::connect(&m_deadline, &QTimer::timeout, &m_deadline, [this, timeout] {
             // Nothing more starts; what runs ends now, and what waited ends unread.
             const qsizetype unstarted = m_started;
