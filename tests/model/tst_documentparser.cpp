@@ -9,35 +9,29 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QDateTime noon(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc());
-const ParseContext context{ScheduleDay::containing(noon, QTimeZone::utc()), nullptr};
+const QTimeZone utc = QTimeZone::utc();
+const QDateTime noon(QDate(2026, 11, 22), QTime(12, 0), utc);
 
-// A section with these segments whose pattern gives each reference an hour: its events and
-// the event each hour reaches, "-" for a pause ("A,B|-,A,B"), or why it is left out.
-QString probe(const QString &segments, const QList<int> &references)
+// A section "S": its entries as "d:r d:r", or JSON when they start with "[", and its segments.
+struct Record
 {
-    QStringList entries;
-    for (int reference : references)
-        entries.append(u"{\"d\": 60, \"r\": "_s + QString::number(reference) + u'}');
-    const auto parsed = parseSection(
-        QJsonDocument::fromJson((uR"({"category": "C", "name": "S", "link": 5, "segments": )"_s +
-                                 segments + uR"(, "sequences": {"partial": [], "pattern": [)"_s +
-                                 entries.join(u", ") + u"]}}"_s)
-                                    .toUtf8())
-            .object(),
-        context);
-    if (!parsed)
-        return parsed.error();
-    QStringList events;
-    for (const auto &event : parsed.value()->events)
-        events.append(event->name + (event->section == u"S"_s ? u""_s : u"?"_s));
-    QStringList hours(references.size(), u"-"_s);
-    for (const auto &item : parsed.value()->sequence) {
-        const auto hour = static_cast<qsizetype>((item->time - context.day.start()) / 3600);
-        if (hour < hours.size())
-            hours[hour] = item->event->name;
-    }
-    return events.join(u',') + u'|' + hours.join(u',') + u'|' + parsed.value()->wiki;
+    QString partial;
+    QString pattern;
+    QString expected; // "E1@00:00/30 E2@00:30/60": event, local start, minutes; or why not
+    QString segments = uR"({"0": {"name": "E0"}, "1": {"name": "E1"}, "2": {"name": "E2"}})"_s;
+    QString now = u"2026-11-22T12:00:00Z"_s;
+    QByteArray zone = "UTC";
+};
+
+QJsonArray entries(const QString &text)
+{
+    if (text.startsWith(u'['))
+        return QJsonDocument::fromJson(text.toUtf8()).array();
+    QJsonArray array;
+    for (const QString &entry : text.split(u' ', Qt::SkipEmptyParts))
+        array.append(QJsonObject{{u"d"_s, entry.section(u':', 0, 0).toLongLong()},
+                                 {u"r"_s, entry.section(u':', 1, 1).toLongLong()}});
+    return array;
 }
 
 } // namespace
@@ -47,117 +41,157 @@ class TestDocumentParser : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void segmentProbes_data()
+    void sections_data()
     {
-        QTest::addColumn<QString>("segments");
-        QTest::addColumn<QList<int>>("references");
-        QTest::addColumn<QString>("expected");
+        QTest::addColumn<Record>("record");
+        const auto row = [](const char *name, const Record &record) {
+            QTest::newRow(name) << record;
+        };
+        // Segment keys: probes "0" to "n" for n keys, and every probe but the last that yields
+        // no event shifts the references by one.
+        row("keys numbered from 1: r = 0 is a pause",
+            {u"60:0 60:1 60:2"_s, u"1440:-1"_s, u"A@01:00/60 B@02:00/60"_s,
+             uR"({"1": {"name": "A"}, "2": {"name": "B"}})"_s});
+        row("an empty name under 0 is a pause", {u"60:0 60:1"_s, u"1440:-1"_s, u"A@01:00/60"_s,
+                                                 uR"({"0": {"name": ""}, "1": {"name": "A"}})"_s});
+        row("a key beyond the probes is never read",
+            {u"60:0 60:1 60:2"_s, u"1440:-1"_s,
+             u"\"partial\" entry 3: \"r\" = 2 points past the section's events (1 event, 1 "
+             u"skipped segment key)"_s,
+             uR"({"0": {"name": "A"}, "5": {"name": "B"}})"_s});
+        row("a segment that is no object counts as missing",
+            {u"60:0 60:1"_s, u"1440:-1"_s, u"B@01:00/60"_s,
+             uR"({"0": "A", "1": {"name": "B", "section": "X"}})"_s});
+        row("empty segments: the one probe is not counted",
+            {u"60:0"_s, u"1440:-1"_s,
+             u"\"partial\" entry 1: \"r\" = 0 points past the section's events (0 events, 0 "
+             u"skipped segment keys)"_s,
+             u"{}"_s});
 
-        QTest::newRow("numbered from 0") << uR"({"0": {"name": "A"}, "1": {"name": "B"}})"_s
-                                         << QList<int>{0, 1} << u"A,B|A,B|S"_s;
-        QTest::newRow("numbered from 1") << uR"({"1": {"name": "A"}, "2": {"name": "B"}})"_s
-                                         << QList<int>{0, 1, 2} << u"A,B|-,A,B|S"_s;
-        QTest::newRow("a pause under 0")
-            << uR"({"0": {"name": ""}, "1": {"name": "A"}})"_s << QList<int>{0, 1} << u"A|-,A|S"_s;
-        QTest::newRow("a key missing in the middle shifts every reference")
-            << uR"({"0": {"name": "A"}, "2": {"name": "B"}})"_s << QList<int>{0, 1, 2}
-            << u"A,B|-,A,B|S"_s;
-        QTest::newRow("a key beyond the probes is never read")
-            << uR"({"0": {"name": "A"}, "5": {"name": "B"}})"_s << QList<int>{0, 1} << u"A|-,A|S"_s;
-        QTest::newRow("a segment that is no object counts as missing")
-            << uR"({"0": "A", "1": {"name": "B", "section": "X"}})"_s << QList<int>{0, 1}
-            << u"B|-,B|S"_s;
-        QTest::newRow("empty segments: the one probe is not counted")
-            << u"{}"_s << QList<int>{0}
-            << u"\"S\": \"pattern\" entry 1: \"r\" = 0 points past the section's events (0 "
-               u"events, 0 skipped segment keys)"_s;
+        row("an entry at 23:59 is added, one at the day's end is not",
+            {u"1439:-1 1:0 60:1"_s, u"60:0"_s, u"E0@23:59/1"_s});
+        row("partial longer than the day: the rest is not read",
+            {uR"([{"d": 1000, "r": 0}, {"d": 1000, "r": 1}, "broken", {"d": 1.5}])"_s,
+             uR"([{"r": 99}])"_s, u"E0@00:00/1000 E1@16:40/1000"_s});
+        // 23:30 UTC is already the next day at UTC+2. Berlin's clocks go forward on 2026-03-29,
+        // and that day fills 86400 s all the same.
+        row("UTC+2, from its own midnight, the pattern repeated",
+            {.pattern = u"480:0 240:1"_s,
+             .expected = u"E0@00:00/480 E1@08:00/240 E0@12:00/480 E1@20:00/240"_s,
+             .now = u"2026-11-22T23:30:00Z"_s,
+             .zone = "UTC+02:00"});
+        row("a 23-hour day runs into the next", {.pattern = u"720:0 720:1"_s,
+                                                 .expected = u"E0@00:00/720 E1@13:00/720"_s,
+                                                 .now = u"2026-03-29T12:00:00Z"_s,
+                                                 .zone = "Europe/Berlin"});
+
+        row("d fractional", {u""_s, uR"([{"d": 60, "r": 0}, {"d": 30.5, "r": 0}])"_s,
+                             u"\"pattern\" entry 2: \"d\" is not an integer (found 30.5)"_s});
+        row("d times 60 overflows",
+            {u"9223372036854775807:-1"_s, u"60:0"_s,
+             u"\"partial\" entry 1: \"d\" = 9223372036854775807 minutes is beyond the "
+             u"64-bit integer range in seconds"_s});
+        row("empty pattern", {u"60:0"_s, u""_s, u"\"pattern\" is empty, so the day never fills"_s});
+        row("a pattern moving backwards",
+            {u""_s, u"30:-1 -45:-1"_s,
+             u"one pass over \"pattern\" moves time by -15 minutes, so the day never fills"_s});
+        row("an occurrence before the day",
+            {u"-10:-1 20:0"_s, u"60:0"_s,
+             u"\"partial\" entry 2: the occurrence would start before the day begins "
+             u"(negative \"d\" before it)"_s});
+        row("endless zero-minute occurrences",
+            {u""_s, u"0:0 "_s.repeated(1000) + u"1:0"_s,
+             u"the schedule needs more than 100000 entries to fill the day"_s});
     }
 
-    void segmentProbes()
+    void sections()
     {
-        QFETCH(QString, segments);
-        QFETCH(QList<int>, references);
-        QFETCH(QString, expected);
-        QCOMPARE(probe(segments, references), expected);
-    }
-
-    void boundsOfTheWholeDocument_data()
-    {
-        QTest::addColumn<int>("reference"); // 0: occurrences, -1: pauses
-        QTest::addColumn<int>("kept");
-        QTest::addColumn<QString>("reason");
-
-        // A pass of 69 entries moves one minute: 99360 entries a day, each an occurrence or a
-        // pause. The third section would pass 200000 occurrences, the eleventh 1000000 entries.
-        QTest::newRow("occurrences") << 0 << 2
-                                     << u"\"S\": the document would hold more than 200000 "
-                                        u"occurrences"_s;
-        QTest::newRow("entries") << -1 << 10
-                                 << u"\"S\": the document's schedules need more than 1000000 "
-                                    u"entries in all"_s;
-    }
-
-    void boundsOfTheWholeDocument()
-    {
-        QFETCH(int, reference);
-        QFETCH(int, kept);
-        QFETCH(QString, reason);
-        const QByteArray entry = R"({"d": 0, "r": )" + QByteArray::number(reference) + "},";
-        const QByteArray section =
-            R"({"category": "C", "name": "S", "segments": {"0": {"name": "A"}},
-                "sequences": {"partial": [], "pattern": [)" +
-            entry.repeated(68) + R"({"d": 1, "r": )" + QByteArray::number(reference) + "}]}}";
-        const ParsedDocument parsed = parseDocument(
-            QJsonDocument::fromJson('[' + (section + ',').repeated(11) + section + ']').array(),
-            context);
-        QCOMPARE(parsed.sections.size(), kept);
-        QCOMPARE(parsed.skipped.first().reason, reason);
+        QFETCH(Record, record);
+        const QTimeZone zone(record.zone);
+        const auto parsed = parseSection(
+            QJsonObject{{u"category"_s, u"C"_s},
+                        {u"name"_s, u"S"_s},
+                        {u"link"_s, 5},
+                        {u"segments"_s, QJsonDocument::fromJson(record.segments.toUtf8()).object()},
+                        {u"sequences"_s, QJsonObject{{u"partial"_s, entries(record.partial)},
+                                                     {u"pattern"_s, entries(record.pattern)}}}},
+            {ScheduleDay::containing(QDateTime::fromString(record.now, Qt::ISODate), zone)});
+        if (!parsed) {
+            QCOMPARE(parsed.error(), u"\"S\": "_s + record.expected);
+            return;
+        }
+        QStringList found; // "?" for "@": the event names another section
+        for (const auto &item : parsed.value()->sequence)
+            found.append(item->event->name + (item->event->section == u"S"_s ? u"@"_s : u"?"_s) +
+                         dateTimeFromSeconds(item->time, zone).toString(u"HH:mm") + u'/' +
+                         QString::number(item->duration));
+        QCOMPARE(found.join(u' '), record.expected);
+        QCOMPARE(parsed.value()->wiki, u"S"_s); // its "link" is no string
     }
 
     void documents_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("reason");
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QString>("skipped"); // the first section left out: "3: why"
+        QTest::addColumn<int>("kept");
         QTest::addColumn<int>("occurrences");
 
         // Each breaks its third section: see tests/fixtures/documents/README.md.
-        QTest::newRow("element") << u"bad-element-not-object"_s
-                                 << u"not an object (found an array)"_s << 181;
-        QTest::newRow("category") << u"bad-category-missing"_s << u"\"category\" is missing"_s
-                                  << 121;
-        QTest::newRow("pattern") << u"bad-pattern-missing"_s
-                                 << u"\"Ancient Dragons\", \"sequences\": \"pattern\" is missing"_s
-                                 << 188;
+        const auto fixture = [](const char *name) {
+            QFile file(QStringLiteral(EVENTTIMER_FIXTURES_DIR "/documents/") +
+                       QLatin1StringView(name) + u".json"_s);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QTest::newRow("element") << fixture("bad-element-not-object")
+                                 << u"3: not an object (found an array)"_s << 4 << 181;
+        QTest::newRow("category") << fixture("bad-category-missing")
+                                  << u"3: \"category\" is missing"_s << 4 << 121;
+        QTest::newRow("pattern")
+            << fixture("bad-pattern-missing")
+            << u"3: \"Ancient Dragons\", \"sequences\": \"pattern\" is missing"_s << 4 << 188;
         QTest::newRow("segment name")
-            << u"bad-segment-name-missing"_s
-            << u"\"Smugglers' Cove\", segment \"1\": \"name\" is missing"_s << 133;
-        QTest::newRow("entry") << u"bad-entry-not-object"_s
-                               << u"\"Guild Bounties\": \"pattern\" entry 3: not an object (found "
-                                  u"an array)"_s
-                               << 171;
-        QTest::newRow("realistic") << u"realistic"_s << QString() << 626;
+            << fixture("bad-segment-name-missing")
+            << u"3: \"Smugglers' Cove\", segment \"1\": \"name\" is missing"_s << 4 << 133;
+        QTest::newRow("entry") << fixture("bad-entry-not-object")
+                               << u"3: \"Guild Bounties\": \"pattern\" entry 3: not an object "
+                                  u"(found an array)"_s
+                               << 4 << 171;
+        QTest::newRow("realistic") << fixture("realistic") << QString() << 18 << 626;
+
+        // A pass of 69 entries moves one minute: 99360 entries a day, each an occurrence (r = 0)
+        // or a pause (r = -1). The third section would pass 200000 occurrences, the eleventh
+        // 1000000 entries.
+        const auto crowded = [](const QByteArray &r) {
+            const QByteArray section =
+                R"({"category": "C", "name": "S", "segments": {"0": {"name": "A"}},
+                    "sequences": {"partial": [], "pattern": [)" +
+                (R"({"d": 0, "r": )" + r + "},").repeated(68) + R"({"d": 1, "r": )" + r + "}]}}";
+            return '[' + (section + ',').repeated(11) + section + ']';
+        };
+        QTest::newRow("occurrences")
+            << crowded("0") << u"3: \"S\": the document would hold more than 200000 occurrences"_s
+            << 2 << 198720;
+        QTest::newRow("entries")
+            << crowded("-1")
+            << u"11: \"S\": the document's schedules need more than 1000000 entries in all"_s << 10
+            << 0;
     }
 
     void documents()
     {
-        QFETCH(QString, file);
-        QFETCH(QString, reason);
+        QFETCH(QByteArray, document);
+        QFETCH(QString, skipped);
+        QFETCH(int, kept);
         QFETCH(int, occurrences);
-
-        QFile document(QStringLiteral(EVENTTIMER_FIXTURES_DIR "/documents/") + file + u".json"_s);
-        QVERIFY(document.open(QIODevice::ReadOnly));
-        const ParsedDocument parsed =
-            parseDocument(QJsonDocument::fromJson(document.readAll()).array(), context);
-        QStringList lines;
-        for (const SkippedSection &skipped : parsed.skipped)
-            lines.append(skipped.line());
-        QCOMPARE(lines, reason.isEmpty() ? QStringList()
-                                         : QStringList{u"[ERROR] Skipped section 3: "_s + reason});
-        int count = 0;
+        const ParsedDocument parsed = parseDocument(QJsonDocument::fromJson(document).array(),
+                                                    {ScheduleDay::containing(noon, utc), nullptr});
+        QCOMPARE(parsed.skipped.isEmpty() ? QString() : parsed.skipped.first().line(),
+                 skipped.isEmpty() ? QString() : u"[ERROR] Skipped section "_s + skipped);
+        qsizetype count = 0;
         for (const auto &section : parsed.sections)
-            count += static_cast<int>(section->sequence.size());
+            count += section->sequence.size();
+        QCOMPARE(parsed.sections.size(), kept);
         QCOMPARE(count, occurrences);
-        QCOMPARE(parsed.sections.size(), reason.isEmpty() ? 18 : 4);
     }
 };
 

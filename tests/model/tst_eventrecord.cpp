@@ -8,85 +8,52 @@
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// Notes what a record asks for, and answers with a picture.
-class Lookup final : public IconLookup
-{
-public:
-    std::optional<Icon> icon(const QString &url) override
-    {
-        asked.append(url);
-        return Icon(QImage(2, 2, QImage::Format_ARGB32));
-    }
-    QStringList asked;
-};
-
-std::shared_ptr<Event> parse(const QByteArray &record, IconLookup *icons = nullptr)
-{
-    return parseEvent(QJsonDocument::fromJson(record).object(), u"Harbour"_s, icons);
-}
-
-} // namespace
-
 class TestEventRecord : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void textFields()
+    void records_data()
     {
-        Lookup icons;
-        const auto event = parse(
-            R"({"name": "Wyrm", "link": "Ember", "chatlink": "[&A=]", "icon": "u", "section": "X"})",
-            &icons);
-        QCOMPARE(event->wiki, u"Ember"_s);
-        QCOMPARE(event->chatLink, std::optional<QString>(u"[&A=]"_s));
-        QCOMPARE(event->section, std::optional<QString>(u"Harbour"_s));
-        QCOMPARE(icons.asked, QStringList{u"u"_s});
-        QVERIFY(event->icon);
-        QVERIFY(!parse(R"({"name": "Wyrm", "icon": "u"})")->icon);
+        QTest::addColumn<QByteArray>("record");
+        QTest::addColumn<QString>("expected"); // wiki|chat link|section|colour
 
+        QTest::newRow("text fields")
+            << R"({"name": "W", "link": "Ember", "chatlink": "[&A=]", "section": "X"})"_ba
+            << u"Ember|[&A=]|Harbour|default"_s;
         // Values of other types count as missing; an empty chat link is a chat link.
-        const auto other =
-            parse(R"({"name": "Wyrm", "link": 5, "chatlink": 7, "icon": []})", &icons);
-        QCOMPARE(other->wiki, u"Wyrm"_s);
-        QVERIFY(!other->chatLink);
-        QCOMPARE(icons.asked.size(), 1);
-        QCOMPARE(parse(R"({"name": "Wyrm", "chatlink": ""})")->chatLink, std::optional(u""_s));
-    }
-
-    void colors_data()
-    {
-        QTest::addColumn<QByteArray>("background");
-        QTest::addColumn<QList<double>>("rgb"); // empty: the default colour
-
-        const auto unit = [](float component) {
-            return static_cast<double>(component / 255.0f);
-        };
-        // 128 / 255 in single precision, widened: not the double 0.50196078431372548.
-        QTest::newRow("triple") << "[255, 128, 0]"_ba
-                                << QList<double>{1.0, 0.501960813999176025390625, 0.0};
+        QTest::newRow("other types")
+            << R"({"name": "W", "link": 5, "chatlink": 7})"_ba << u"W|-|Harbour|default"_s;
+        QTest::newRow("empty chat link")
+            << R"({"name": "W", "chatlink": ""})"_ba << u"W||Harbour|default"_s;
+        // Exact, in the shortest text that reads back the same: single precision, widened, so
+        // 128 / 255 is not the double 0.50196078431372548.
+        QTest::newRow("triple") << R"({"name": "W", "bg": [255, 128, 0]})"_ba
+                                << u"W|-|Harbour|1 0.501960813999176 0 0.8"_s;
         QTest::newRow("first of nested triples")
-            << "[[10, 20, 30], [40, 50, 60]]"_ba << QList<double>{unit(10), unit(20), unit(30)};
-        QTest::newRow("unwrapped once only") << "[[[1, 2, 3]]]"_ba << QList<double>();
-        QTest::newRow("a pair whose first is no array") << "[1, 2]"_ba << QList<double>();
-        QTest::newRow("a string") << R"("red")"_ba << QList<double>();
-        QTest::newRow("a component that is no number") << R"([1, "2", 3])"_ba << QList<double>();
-        QTest::newRow("beyond single precision") << "[1e300, 0, 0]"_ba << QList<double>();
+            << R"({"name": "W", "bg": [[0, 51, 255], [40, 50, 60]]})"_ba
+            << u"W|-|Harbour|0 0.20000000298023224 1 0.8"_s;
+        for (const char *bad :
+             {"[[[1, 2, 3]]]", "[1, 2]", R"("red")", R"([1, "2", 3])", "[1e300, 0, 0]"})
+            QTest::addRow("bg %s", bad)
+                << R"({"name": "W", "bg": )" + QByteArray(bad) + '}' << u"W|-|Harbour|default"_s;
     }
 
-    void colors()
+    void records()
     {
-        QFETCH(QByteArray, background);
-        QFETCH(QList<double>, rgb);
-        const EventColor color =
-            parse(R"({"name": "W", "bg": )" + background + '}')->backgroundColor;
-        QCOMPARE(color.isDefault(), rgb.isEmpty());
-        // Exact: the single-precision arithmetic is part of the contract.
-        if (!rgb.isEmpty())
-            QCOMPARE(QList<double>({color.red(), color.green(), color.blue(), color.alpha()}),
-                     rgb + QList<double>{0.8});
+        QFETCH(QByteArray, record);
+        QFETCH(QString, expected);
+        const auto event =
+            parseEvent(QJsonDocument::fromJson(record).object(), u"Harbour"_s, nullptr);
+        const EventColor color = event->backgroundColor;
+        QStringList rgba;
+        for (const double component : {color.red(), color.green(), color.blue(), color.alpha()})
+            rgba.append(QString::number(component, 'g', QLocale::FloatingPointShortest));
+        QCOMPARE(QStringList({event->wiki, event->chatLink.value_or(u"-"_s),
+                              event->section.value_or(u"-"_s),
+                              color.isDefault() ? u"default"_s : rgba.join(u' ')})
+                     .join(u'|'),
+                 expected);
     }
 
     void cacheKeys_data()
