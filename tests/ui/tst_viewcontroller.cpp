@@ -12,16 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-SectionList sampleSections(const Clock &clock)
-{
-    QFile file(QStringLiteral(EVENTTIMER_SAMPLE_DIR) + u"/events.json"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return parseDocument(QJsonDocument::fromJson(file.readAll()).array(),
-                         {ScheduleDay::containing(clock.now(), clock.zone()), nullptr})
-        .sections;
-}
-
 // A window over the sample document (or over nothing), seen at 12:34:59.9 UTC from UTC+2.
 struct Window
 {
@@ -35,8 +25,12 @@ struct Window
         // The view may show before the sections are in; the timetable waits for them.
         controller.view()->show();
         controller.viewDidAppear();
-        if (withSections)
-            controller.loadDidFinish(sampleSections(clock));
+        QFile file(QStringLiteral(EVENTTIMER_SAMPLE_DIR) + u"/events.json"_s);
+        if (withSections && file.open(QIODevice::ReadOnly))
+            controller.loadDidFinish(
+                parseDocument(QJsonDocument::fromJson(file.readAll()).array(),
+                              {ScheduleDay::containing(clock.now(), clock.zone()), nullptr})
+                    .sections);
         else
             controller.loadDidFinish({}, u"connection refused"_s);
     }
@@ -60,7 +54,6 @@ private Q_SLOTS:
         Window window(true);
         ViewController &controller = window.controller;
         QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
-        QCOMPARE(controller.sections().size(), 18);
 
         // Every occurrence has its box, and rows line up with their labels: a box starts 15 above
         // its label's top.
@@ -77,19 +70,12 @@ private Q_SLOTS:
                      labels.at(box.row)->mapTo(content, QPoint(0, 0)).y() - 15);
         QCOMPARE(controller.categories().size(), 6);
 
-        // Exported once, in the sections' list order.
-        QCOMPARE(window.exported.size(), 1);
-        QCOMPARE(window.exported.first(),
-                 globalSequence(controller.sections(), window.clock.zone()));
-        QVERIFY(!window.exported.first().empty());
-        QVERIFY(controller.clipboardMessage()->isHidden());
-
-        // A second appearance builds nothing more.
+        // Exported once, in the sections' list order; a second appearance builds nothing more.
+        const GlobalSequence sequence = globalSequence(controller.sections(), window.clock.zone());
+        QCOMPARE(window.exported, QList<GlobalSequence>{sequence});
         controller.view()->hide();
         controller.view()->show();
         controller.viewDidAppear();
-        QCOMPARE(controller.horizontalScrollContent()->boxes().size(), occurrences);
-        QCOMPARE(controller.categories().size(), 6);
         QCOMPARE(window.exported.size(), 1);
     }
 
@@ -99,26 +85,24 @@ private Q_SLOTS:
         ViewController &controller = window.controller;
         QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
         QScrollBar *bar = controller.horizontalScroll()->horizontalScrollBar();
-        const auto target = [&](double x) {
-            return qFloor(x - controller.horizontalScroll()->width() / 6.0);
-        };
+        // The marker a sixth of the width from the left edge.
+        const double sixth = controller.horizontalScroll()->width() / 6.0;
 
         // 12:34:59.9 UTC is minute 754; the clock shows local time at UTC+2.
         QCOMPARE(controller.timeConstraint(), std::optional<double>(7540));
         QCOMPARE(controller.timeLabel()->text(), u"14:34"_s);
         QCOMPARE(controller.timeLabel()->pos(), QPoint(7540 + 1 + 3, 3));
-        QCOMPARE(bar->value(), target(7540));
+        QCOMPARE(bar->value(), qFloor(7540 - sixth));
 
         // Nothing moves between ticks; the user's scrolling stands until the next one.
         bar->setValue(100);
         window.clock.advance(std::chrono::milliseconds(59999));
-        QCOMPARE(controller.timeConstraint(), std::optional<double>(7540));
         QCOMPARE(bar->value(), 100);
         window.clock.advance(std::chrono::milliseconds(1));
         QCOMPARE(controller.timeConstraint(), std::optional<double>(7550));
         QCOMPARE(controller.timeLabel()->text(), u"14:35"_s);
         QCOMPARE(controller.timeLabel()->x(), 7550 + 1 + 3);
-        QCOMPARE(bar->value(), target(7550));
+        QCOMPARE(bar->value(), qFloor(7550 - sixth));
 
         // Past UTC midnight the marker starts again at 0; the scroll stops at the content's edge.
         window.clock.setNow(QDateTime(QDate(2026, 11, 22), QTime(23, 59, 30), QTimeZone::utc()));
@@ -139,7 +123,6 @@ private Q_SLOTS:
         QCOMPARE(controller.statusMessage()->text(), u"connection refused"_s);
         QVERIFY(!controller.verticalScroll()->isVisible());
         QCOMPARE(window.exported, QList<GlobalSequence>{GlobalSequence()});
-        QCOMPARE(controller.geometry().contentHeight, 7.0);
     }
 };
 
