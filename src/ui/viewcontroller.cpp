@@ -184,11 +184,21 @@ void ViewController::viewDidAppear()
         buildTimetable();
 }
 
+QSize ViewController::labelSize(const QString &name) const
+{
+    // The natural size of a plain, right-aligned label showing the name. Shaping a text is the
+    // costliest part of a build: each name is measured once.
+    auto known = m_labelSizes.constFind(name);
+    if (known == m_labelSizes.cend())
+        known = m_labelSizes.insert(name, QFontMetrics(m_sectionsView->font())
+                                              .boundingRect(QRect(), Qt::AlignRight, name)
+                                              .size());
+    return *known;
+}
+
 double ViewController::labelHeight(const QString &name) const
 {
-    // The natural height of a plain, right-aligned label showing the name.
-    const QFontMetrics metrics(m_sectionsView->font());
-    return metrics.boundingRect(QRect(), Qt::AlignRight, name).height();
+    return labelSize(name).height();
 }
 
 int ViewController::sectionColumnWidth() const
@@ -196,8 +206,7 @@ int ViewController::sectionColumnWidth() const
     const QFontMetrics metrics(m_sectionsView->font());
     int widest = 0;
     for (const auto &section : m_sections) {
-        widest =
-            std::max(widest, metrics.boundingRect(QRect(), Qt::AlignRight, section->name).width());
+        widest = std::max(widest, labelSize(section->name).width());
         widest =
             std::max(widest, metrics.horizontalAdvance(section->category) + W::categoryTitleRoom);
     }
@@ -280,8 +289,9 @@ void ViewController::layOutSections()
 void ViewController::buildSectionColumn()
 {
     // Category boxes and their labels are real widgets: a few dozen at most.
-    m_sectionsView->setFixedWidth(sectionColumnWidth());
-    m_rulerIndent->setFixedWidth(sectionColumnWidth());
+    const int columnWidth = sectionColumnWidth();
+    m_sectionsView->setFixedWidth(columnWidth);
+    m_rulerIndent->setFixedWidth(columnWidth);
     for (const CategoryBoxGeometry &geometry : std::as_const(m_geometry.categoryBoxes)) {
         auto *box = new CategoryBox(geometry.title, m_sectionsView);
         m_categories.insert(geometry.title, box);

@@ -135,6 +135,7 @@ private:
     void findQueryChanged(const QString &query);
     void showFind();
     void placeSectionColumn();
+    QSize labelSize(const QString &name) const;
     double labelHeight(const QString &name) const;
     int sectionColumnWidth() const;
     // Scrolls both areas so that the box with the keyboard's focus ring is in view.
@@ -164,6 +165,7 @@ private:
 
     SectionList m_sections;
     SectionList m_followingDay;
+    mutable QHash<QString, QSize> m_labelSizes;
     QHash<QString, QGroupBox *> m_categories;
     GlobalSequence m_globalSequence;
     std::optional<double> m_timeConstraint;
