@@ -21,7 +21,7 @@ struct SuiteArrays
 
 SuiteArrays suiteArrays(const GlobalSequence &globalSequence);
 
-// The suite's text: the four arrays in the order the specification writes them (times,
+// The suite's text: the four arrays in the order companion programs know them (times,
 // sequence, sections, chat links), one member per line, then the UTC start of now's day on the
 // time axis and now itself.
 QByteArray suiteJson(const GlobalSequence &globalSequence, const QDateTime &now);
