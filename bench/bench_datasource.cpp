@@ -31,34 +31,6 @@ namespace {
 constexpr int iconCount = 40;
 constexpr int latencyMs = 50;
 
-// The realistic document with its first 40 icons pointed at the service (the rest dropped).
-QByteArray documentWithServedIcons()
-{
-    QFile file(QStringLiteral(EVENTTIMER_FIXTURES_DIR) + u"/documents/realistic.json"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read the realistic document");
-    QJsonArray sections = QJsonDocument::fromJson(file.readAll()).array();
-    int icons = 0;
-    for (QJsonValueRef sectionValue : sections) {
-        QJsonObject section = sectionValue.toObject();
-        QJsonObject segments = section.value(u"segments").toObject();
-        for (auto it = segments.begin(); it != segments.end(); ++it) {
-            QJsonObject segment = it.value().toObject();
-            if (!segment.contains(u"icon"))
-                continue;
-            if (icons < iconCount)
-                segment.insert(u"icon"_s, u"{service}/icons/file/set/"_s +
-                                              QString::number(icons++) + u".png"_s);
-            else
-                segment.remove(u"icon");
-            it.value() = segment;
-        }
-        section.insert(u"segments"_s, segments);
-        sectionValue = section;
-    }
-    return QJsonDocument(sections).toJson(QJsonDocument::Compact);
-}
-
 void writeIcons(const QString &folder)
 {
     QDir().mkpath(folder + u"/icons/file/set"_s);
@@ -96,7 +68,7 @@ void BenchDataSource::initTestCase()
 {
     writeIcons(m_folder.path());
     m_service.setFilesFolder(m_folder.path());
-    m_service.setDocument(documentWithServedIcons());
+    m_service.setDocument(realisticWithServedIcons(iconCount));
     QVERIFY(m_service.listen());
     QSettings settings(m_folder.filePath(u"eventtimer.conf"_s), QSettings::IniFormat);
     settings.setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());

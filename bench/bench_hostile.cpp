@@ -34,28 +34,6 @@ namespace {
 
 constexpr int iconCount = 60;
 
-// The realistic document with its first 60 icons pointed at the service.
-QByteArray documentWithIcons()
-{
-    QJsonArray sections = QJsonDocument::fromJson(readDocument(u"realistic.json"_s)).array();
-    int icons = 0;
-    for (QJsonValueRef sectionValue : sections) {
-        QJsonObject section = sectionValue.toObject();
-        QJsonObject segments = section.value(u"segments").toObject();
-        for (auto it = segments.begin(); it != segments.end(); ++it) {
-            QJsonObject segment = it.value().toObject();
-            if (icons < iconCount) {
-                segment.insert(u"icon"_s, u"{service}/icons/file/set/"_s +
-                                              QString::number(icons++) + u".png"_s);
-                it.value() = segment;
-            }
-        }
-        section.insert(u"segments"_s, segments);
-        sectionValue = section;
-    }
-    return QJsonDocument(sections).toJson(QJsonDocument::Compact);
-}
-
 QByteArray png(int width, int height)
 {
     QImage image(width, height, QImage::Format_RGB32);
@@ -99,7 +77,7 @@ int compare()
 {
     QTemporaryDir work;
     EventService service;
-    service.setDocument(documentWithIcons());
+    service.setDocument(realisticWithServedIcons(iconCount));
     if (!service.listen())
         qFatal("cannot start the local event service");
     const QByteArray ordinary = png(48, 48);

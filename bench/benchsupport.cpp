@@ -39,6 +39,30 @@ QJsonArray stressDocument()
                       stressCopies);
 }
 
+QByteArray realisticWithServedIcons(int count)
+{
+    QJsonArray sections = QJsonDocument::fromJson(readDocument(u"realistic.json"_s)).array();
+    int icons = 0;
+    for (QJsonValueRef sectionValue : sections) {
+        QJsonObject section = sectionValue.toObject();
+        QJsonObject segments = section.value(u"segments").toObject();
+        for (auto it = segments.begin(); it != segments.end(); ++it) {
+            QJsonObject segment = it.value().toObject();
+            if (!segment.contains(u"icon"))
+                continue;
+            if (icons < count)
+                segment.insert(u"icon"_s, u"{service}/icons/file/set/"_s +
+                                              QString::number(icons++) + u".png"_s);
+            else
+                segment.remove(u"icon");
+            it.value() = segment;
+        }
+        section.insert(u"segments"_s, segments);
+        sectionValue = section;
+    }
+    return QJsonDocument(sections).toJson(QJsonDocument::Compact);
+}
+
 double median(QList<double> values)
 {
     std::sort(values.begin(), values.end());

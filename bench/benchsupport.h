@@ -21,6 +21,10 @@ QJsonArray replicated(const QJsonArray &document, int copies);
 // The realistic document copied stressCopies times.
 QJsonArray stressDocument();
 
+// The realistic document with its first `count` icons pointed at the local event service
+// ("{service}/icons/file/set/N.png", N from 0) and the others left out, as compact JSON.
+QByteArray realisticWithServedIcons(int count);
+
 // The middle value of a set of timings.
 double median(QList<double> values);
 
