@@ -23,6 +23,31 @@ const QString connectionError = u"[ERROR] There is an unspecified error with the
 const QString parseError = u"[ERROR] An error has happened with parsing of json data"_s;
 const QString jsonOk = u"[JSON] OK!"_s;
 
+// Where the document is asked for: the configured root (else the built-in one) with the
+// document's path added. An address that already names the document is taken as its root.
+struct DocumentAddress
+{
+    QUrl url;
+    // The user's setting named the document itself.
+    bool namedDocument = false;
+};
+
+DocumentAddress documentAddress(const SettingsStore &settings)
+{
+    QString base = QStringLiteral(EVENTTIMER_SERVICE_URL);
+    const QVariant configured = settings.value(settingskeys::serviceUrl);
+    const bool isConfigured =
+        configured.typeId() == QMetaType::QString && !configured.toString().trimmed().isEmpty();
+    if (isConfigured)
+        base = configured.toString().trimmed();
+    while (base.endsWith(u'/'))
+        base.chop(1);
+    const bool namedDocument = base.endsWith(documentPath);
+    if (namedDocument)
+        base.chop(documentPath.size());
+    return {QUrl(base + documentPath, QUrl::StrictMode), isConfigured && namedDocument};
+}
+
 // The first pass over the document: answers from the store and notes every icon asked for,
 // in order, and whether any was missing.
 class AskedIcons final : public IconLookup
@@ -98,17 +123,7 @@ EventDataSource::~EventDataSource() = default;
 
 QUrl EventDataSource::serviceUrl() const
 {
-    QString base = QStringLiteral(EVENTTIMER_SERVICE_URL);
-    const QVariant configured = m_settings.value(settingskeys::serviceUrl);
-    if (configured.typeId() == QMetaType::QString && !configured.toString().trimmed().isEmpty())
-        base = configured.toString().trimmed();
-    while (base.endsWith(u'/'))
-        base.chop(1);
-    // The root is what is asked for; an address that already names the document is taken as
-    // its root.
-    if (base.endsWith(documentPath))
-        base.chop(documentPath.size());
-    return QUrl(base + documentPath, QUrl::StrictMode);
+    return documentAddress(m_settings).url;
 }
 
 void EventDataSource::load(bool download)
@@ -136,7 +151,8 @@ void EventDataSource::load(bool download)
         return;
     }
 
-    const QUrl url = serviceUrl();
+    const DocumentAddress address = documentAddress(m_settings);
+    const QUrl &url = address.url;
     if (!url.isValid()) {
         // Nothing can be asked of an address that is not one; no connection was tried.
         m_err << "eventtimer: the event service address is not a valid URL: " << url.toString()
@@ -144,9 +160,7 @@ void EventDataSource::load(bool download)
         QTimer::singleShot(0, this, [this] { fail(u"the event service address is not valid"_s); });
         return;
     }
-    const QVariant configured = m_settings.value(settingskeys::serviceUrl);
-    if (configured.toString().trimmed().endsWith(documentPath) ||
-        configured.toString().trimmed().endsWith(documentPath + u'/'))
+    if (address.namedDocument)
         m_err << "eventtimer: event_service_url names the document; its root "
               << url.adjusted(QUrl::RemovePath).toString() << " is used" << Qt::endl;
     Q_EMIT progress(Stage::Document, 0, 1);
