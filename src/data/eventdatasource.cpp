@@ -28,6 +28,8 @@ const QString jsonOk = u"[JSON] OK!"_s;
 struct DocumentAddress
 {
     QUrl url;
+    // The service's root, without the document's path.
+    QString root;
     // The user's setting named the document itself.
     bool namedDocument = false;
 };
@@ -45,7 +47,7 @@ DocumentAddress documentAddress(const SettingsStore &settings)
     const bool namedDocument = base.endsWith(documentPath);
     if (namedDocument)
         base.chop(documentPath.size());
-    return {QUrl(base + documentPath, QUrl::StrictMode), isConfigured && namedDocument};
+    return {QUrl(base + documentPath, QUrl::StrictMode), base, isConfigured && namedDocument};
 }
 
 // The first pass over the document: answers from the store and notes every icon asked for,
@@ -161,8 +163,8 @@ void EventDataSource::load(bool download)
         return;
     }
     if (address.namedDocument)
-        m_err << "eventtimer: event_service_url names the document; its root "
-              << url.adjusted(QUrl::RemovePath).toString() << " is used" << Qt::endl;
+        m_err << "eventtimer: event_service_url names the document; its root " << address.root
+              << " is used" << Qt::endl;
     Q_EMIT progress(Stage::Document, 0, 1);
     m_loader.read(url, [this, url](Result<QByteArray> body) { downloaded(url, std::move(body)); });
 }

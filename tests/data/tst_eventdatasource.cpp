@@ -190,6 +190,31 @@ private Q_SLOTS:
                      secondsSinceEpoch(noon.date().addDays(1).startOfDay(QTimeZone::utc())));
     }
 
+    void addressThatNamesTheDocumentIsTakenAsItsRoot_data()
+    {
+        QTest::addColumn<QString>("setting"); // after the service's root
+        QTest::addColumn<QString>("firstLine");
+        QTest::addColumn<QString>("root"); // in the note; none without one
+        QTest::newRow("the root") << u"/"_s << connectionOk << QString();
+        QTest::newRow("the document") << u"/api/events/sequence/"_s << connectionOk << u""_s;
+        // The service has nothing under /mirror; the note names the root all the same.
+        QTest::newRow("the document below a path")
+            << u"/mirror/api/events/sequence"_s << connectionError << u"/mirror"_s;
+    }
+
+    void addressThatNamesTheDocumentIsTakenAsItsRoot()
+    {
+        QFETCH(QString, setting);
+        QFETCH(QString, firstLine);
+        QFETCH(QString, root);
+        const QString base = m_service->baseUrl().toString();
+        m_settings->setValue(settingskeys::serviceUrl.toString(), base + setting);
+        QCOMPARE(load().first(), firstLine);
+        const QString note = u"eventtimer: event_service_url names the document; its root "_s +
+                             base + root + u" is used\n"_s;
+        QCOMPARE(m_errors.contains(note), !root.isNull());
+    }
+
     void aCacheThatCannotBeWrittenOrReadCostsOnlyItsCopy()
     {
         // The document's file is a folder: it counts as absent, it cannot be kept, and so
