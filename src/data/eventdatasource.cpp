@@ -4,9 +4,9 @@
 #include "data/iconcache.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
+#include "data/waitfor.h"
 #include "model/clock.h"
 
-#include <QEventLoop>
 #include <QJsonDocument>
 #include <QSet>
 #include <QTimer>
@@ -242,18 +242,13 @@ void EventDataSource::fail(const QString &problem)
 
 SectionList EventDataSource::loadSections(bool download)
 {
-    QEventLoop loop;
-    std::optional<SectionList> sections;
-    const QMetaObject::Connection connection =
-        connect(this, &EventDataSource::finished, this, [&](const SectionList &loaded) {
-            sections = loaded;
-            loop.quit();
-        });
-    load(download);
-    if (!sections)
-        loop.exec();
+    QMetaObject::Connection connection;
+    SectionList sections = waitFor<SectionList>([&](auto done) {
+        connection = connect(this, &EventDataSource::finished, this, std::move(done));
+        load(download);
+    });
     disconnect(connection);
-    return std::move(*sections);
+    return sections;
 }
 
 void EventDataSource::say(const QString &line)

@@ -2,9 +2,9 @@
 
 #include "data/cachefolder.h"
 #include "data/urlloader.h"
+#include "data/waitfor.h"
 
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QTimer>
 #include <QUrl>
 
@@ -167,15 +167,8 @@ void IconCache::fetchRound(const std::shared_ptr<Fetch> &fetch)
 IconCache::Fetched IconCache::fetchMissingNow(const QStringList &asked, UrlLoader &loader,
                                               int concurrency)
 {
-    QEventLoop loop;
-    std::optional<Fetched> fetched;
-    fetchMissing(asked, loader, concurrency, [&](Fetched result) {
-        fetched = std::move(result);
-        loop.quit();
-    });
-    if (!fetched)
-        loop.exec();
-    return std::move(*fetched);
+    return waitFor<Fetched>(
+        [&](auto done) { fetchMissing(asked, loader, concurrency, std::move(done)); });
 }
 
 void IconCache::report(const QStringList &failures)

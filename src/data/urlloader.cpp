@@ -1,6 +1,6 @@
 #include "data/urlloader.h"
+#include "data/waitfor.h"
 
-#include <QEventLoop>
 #include <QHostAddress>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -327,15 +327,8 @@ void UrlLoader::read(const QUrl &url, std::function<void(Result<QByteArray>)> do
 UrlLoader::Results UrlLoader::readAllNow(const QList<QUrl> &urls, int concurrency,
                                          qint64 maxBodyBytes)
 {
-    QEventLoop loop;
-    std::optional<Results> results;
-    readAll(urls, concurrency, maxBodyBytes, [&](Results read) {
-        results = std::move(read);
-        loop.quit();
-    });
-    if (!results)
-        loop.exec();
-    return std::move(*results);
+    return waitFor<Results>(
+        [&](auto done) { readAll(urls, concurrency, maxBodyBytes, std::move(done)); });
 }
 
 Result<QByteArray> UrlLoader::readNow(const QUrl &url)
