@@ -6,6 +6,7 @@
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
 #include "eventservice/eventservice.h"
+#include "loadday.h"
 #include "model/clock.h"
 
 #include <QBuffer>
@@ -148,7 +149,8 @@ SectionList BenchDataSource::load(UrlLoader &loader)
     CacheFolder cache(m_cachePath, out);
     ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
                       QTimeZone::utc());
-    return EventDataSource(settings, cache, loader, clock, out, out).loadSections();
+    EventDataSource source(settings, cache, loader, clock, out, out);
+    return eventtimer::testing::loadDayNow(source).sections;
 }
 
 QTEST_GUILESS_MAIN(BenchDataSource)

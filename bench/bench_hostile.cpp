@@ -10,6 +10,7 @@
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
 #include "eventservice/eventservice.h"
+#include "loadday.h"
 #include "model/clock.h"
 
 #include <QBuffer>
@@ -57,8 +58,8 @@ int start(const QString &cachePath, const QString &service)
     UrlLoader loader;
     ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
                       QTimeZone::utc());
-    const SectionList sections =
-        EventDataSource(settings, cache, loader, clock, out, out).loadSections();
+    EventDataSource source(settings, cache, loader, clock, out, out);
+    const SectionList sections = eventtimer::testing::loadDayNow(source).sections;
     // What the first paint would add: every icon decoded.
     for (const auto &section : sections)
         for (const auto &event : section->events)

@@ -54,15 +54,14 @@ void BenchTimetable::buildTimetable()
 {
     QList<double> builds;
     for (int run = 0; run < 7; ++run) {
-        ViewController controller({}, m_clock);
+        ViewController controller(m_clock);
         controller.view()->resize(1400, 900);
         controller.viewDidLoad();
         controller.view()->show();
         controller.viewDidAppear();
-        controller.setFollowingDay(m_followingDay);
         QElapsedTimer timer;
         timer.start();
-        controller.loadDidFinish(m_sections);
+        controller.loadDidFinish(m_sections, m_followingDay);
         builds.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
         QCOMPARE_GT(controller.horizontalScrollContent()->boxes().size(), 6886);
     }
@@ -86,11 +85,10 @@ void BenchTimetable::buildTimetable()
 
 void BenchTimetable::repaintAfterScroll()
 {
-    ViewController controller({}, m_clock);
+    ViewController controller(m_clock);
     controller.view()->resize(1400, 900);
     controller.viewDidLoad();
-    controller.setFollowingDay(m_followingDay);
-    controller.loadDidFinish(m_sections);
+    controller.loadDidFinish(m_sections, m_followingDay);
     controller.view()->show();
     controller.viewDidAppear();
     QVERIFY(QTest::qWaitForWindowExposed(controller.view()));

@@ -35,6 +35,7 @@ TimetableWindow::TimetableWindow(Clock &clock, QObject *parent)
     m_window.installEventFilter(this);
 
     m_reminders = std::make_unique<Reminders>(m_settings, m_clock, m_err);
+    m_clock.callEvery(ViewController::timeUpdateInterval, this, [this] { minuteTick(); });
     connect(m_reminders.get(), &Reminders::copyRequested, this,
             [this](const QString &link) { m_controller->copyChatLink(link); });
 }
@@ -200,20 +201,14 @@ void TimetableWindow::reload()
 
 void TimetableWindow::load(bool download)
 {
-    const auto exportToSuite = [this](const GlobalSequence &sequence, const QDateTime &now) {
-        // A suite that cannot be written leaves the timetable as it is.
-        if (const Status written = exportToSharedSuite(sequence, now); !written)
-            m_err << "eventtimer: " << written.error() << Qt::endl;
-    };
     // A load already under way gives way to this one.
     m_loader.cancel();
-    m_next = std::make_unique<ViewController>(exportToSuite, m_clock);
+    m_next = std::make_unique<ViewController>(m_clock);
     ViewController *next = m_next.get();
     next->viewDidLoad();
     next->setReminderChoices(&m_reminders->choices());
     next->setWikiPageUrl(m_settings.value(settingskeys::wikiPageUrl).toString().trimmed());
     connect(next, &ViewController::preferencesRequested, this, &TimetableWindow::showPreferences);
-    connect(next, &ViewController::timeUpdated, this, &TimetableWindow::minuteTick);
     // The timetable is built when its view first shows, as it is on the screen.
     new EventHook(next->view(), QEvent::Show, [next] { next->viewDidAppear(); });
     if (!m_controller) {
@@ -228,34 +223,38 @@ void TimetableWindow::load(bool download)
             [this, next](EventDataSource::Stage stage, int done, int total) {
                 next->showProgress(progressText(stage, done, total));
             });
-    connect(
-        m_source.get(), &EventDataSource::finished, this,
-        [this, next](const SectionList &sections) {
-            const QString problem = m_source->problem();
-            next->setFollowingDay(m_source->followingDay());
-            next->loadDidFinish(sections,
-                                problem.isEmpty()
-                                    ? QString()
-                                    : problem + u"\n"_s + m_source->serviceUrl().toDisplayString());
-            if (m_next.get() == next) {
-                m_stack->addWidget(next->view());
-                m_stack->setCurrentWidget(next->view());
-                m_stack->removeWidget(m_controller->view());
-                m_controller = std::move(m_next);
-            }
-            // A window in the tray builds the new day's timetable all the same: it keeps
-            // the time and the shared suite current.
-            if (!m_window.isVisible())
-                next->viewDidAppear();
-            m_day = m_source->day();
-            m_reminders->setDays({{m_day, sections}, {m_day.addDays(1), m_source->followingDay()}},
-                                 m_clock.now());
-            if (!sections.isEmpty() && !m_unknownMarksSaid) {
-                m_unknownMarksSaid = true;
-                reportUnknownMarks(m_reminders->choices(), sections, m_err);
-            }
-            Q_EMIT timetableReplaced();
+    connect(m_source.get(), &EventDataSource::finished, this, [this, next](const DayData &day) {
+        // A kept copy does not stand in for a failed download here.
+        const SectionList sections =
+            day.origin == DayData::Origin::Kept ? SectionList() : day.sections;
+        const SectionList following =
+            day.origin == DayData::Origin::Kept ? SectionList() : day.followingDay;
+        connect(next, &ViewController::timetableBuilt, this, [this, sections] {
+            // A suite that cannot be written leaves the timetable as it is.
+            if (const Status written =
+                    exportToSharedSuite(globalSequence(sections, m_clock.zone()), m_clock.now());
+                !written)
+                m_err << "eventtimer: " << written.error() << Qt::endl;
         });
+        next->loadDidFinish(sections, following, day.problem ? day.problem->text() : QString());
+        if (m_next.get() == next) {
+            m_stack->addWidget(next->view());
+            m_stack->setCurrentWidget(next->view());
+            m_stack->removeWidget(m_controller->view());
+            m_controller = std::move(m_next);
+        }
+        // A window in the tray builds the new day's timetable all the same: it keeps
+        // the time and the shared suite current.
+        if (!m_window.isVisible())
+            next->viewDidAppear();
+        m_day = day.day;
+        m_reminders->setDays({{m_day, sections}, {m_day.addDays(1), following}}, m_clock.now());
+        if (!sections.isEmpty() && !m_unknownMarksSaid) {
+            m_unknownMarksSaid = true;
+            reportUnknownMarks(m_reminders->choices(), sections, m_err);
+        }
+        Q_EMIT timetableReplaced();
+    });
     m_source->load(download);
 }
 

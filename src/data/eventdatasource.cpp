@@ -4,7 +4,6 @@
 #include "data/iconcache.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
-#include "data/waitfor.h"
 #include "model/clock.h"
 
 #include <QJsonDocument>
@@ -130,26 +129,27 @@ QUrl EventDataSource::serviceUrl() const
 
 void EventDataSource::load(bool download)
 {
-    m_problem.clear();
     const QDateTime now = m_clock.now();
-    m_day = now.toTimeZone(m_clock.zone()).date();
-    const std::optional<QByteArray> cached =
-        m_cache.read(documentFile.toString(), UrlLoader::Limits().maxBodyBytes);
+    m_result = DayData();
+    m_result.day = now.toTimeZone(m_clock.zone()).date();
+    m_cached = m_cache.read(documentFile.toString(), UrlLoader::Limits().maxBodyBytes);
     // A date file that does not hold a date counts as no date.
     const std::optional<QByteArray> dateText = m_cache.read(dateFile.toString(), 64);
     const QDateTime stamp =
         dateText
             ? QDateTime::fromString(QString::fromLatin1(dateText->trimmed()), Qt::ISODateWithMs)
             : QDateTime();
+    m_result.downloadedAt = stamp;
 
     // A copy without a date is never refreshed; a date in the future counts as fresh.
-    download = download || !cached;
+    download = download || !m_cached;
     if (stamp.isValid()) {
         const qint64 age = (now.toMSecsSinceEpoch() - stamp.toMSecsSinceEpoch()) / 1000;
         download = download || age >= refreshAfterSeconds;
     }
     if (!download) {
-        QTimer::singleShot(0, this, [this, bytes = *cached] { decode(bytes); });
+        m_result.origin = DayData::Origin::Cache;
+        QTimer::singleShot(0, this, [this] { decode(*m_cached, Lines::Said); });
         return;
     }
 
@@ -159,7 +159,8 @@ void EventDataSource::load(bool download)
         // Nothing can be asked of an address that is not one; no connection was tried.
         m_err << "eventtimer: the event service address is not a valid URL: " << url.toString()
               << Qt::endl;
-        QTimer::singleShot(0, this, [this] { fail(u"the event service address is not valid"_s); });
+        QTimer::singleShot(0, this,
+                           [this] { fallBack(u"the event service address is not valid"_s); });
         return;
     }
     if (address.namedDocument)
@@ -175,40 +176,56 @@ void EventDataSource::downloaded(const QUrl &url, Result<QByteArray> body)
         say(connectionError);
         m_err << "eventtimer: cannot read the event document from " << url.toString() << ": "
               << body.error() << Qt::endl;
-        fail(body.error());
+        fallBack(body.error());
         return;
     }
     // The bytes first, then their date: a start killed in between finds the new bytes with the
     // old date, never a date without its bytes.
+    const QDateTime now = m_clock.now();
     if (m_cache.write(documentFile.toString(), body.value()))
-        m_cache.write(dateFile.toString(),
-                      m_clock.now().toUTC().toString(Qt::ISODateWithMs).toLatin1());
+        m_cache.write(dateFile.toString(), now.toUTC().toString(Qt::ISODateWithMs).toLatin1());
     say(connectionOk);
-    decode(body.value());
+    m_result.origin = DayData::Origin::Downloaded;
+    m_result.downloadedAt = now;
+    decode(body.value(), Lines::Said);
 }
 
-void EventDataSource::decode(const QByteArray &bytes)
+void EventDataSource::fallBack(const QString &reason)
+{
+    m_result.problem = LoadProblem{reason, serviceUrl()};
+    if (!m_cached) {
+        fail(reason);
+        return;
+    }
+    m_result.origin = DayData::Origin::Kept;
+    decode(*m_cached, Lines::Silent);
+}
+
+void EventDataSource::decode(const QByteArray &bytes, Lines lines)
 {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     if (error.error != QJsonParseError::NoError || !document.isArray()) {
-        say(parseError);
+        if (lines == Lines::Said)
+            say(parseError);
         fail(error.error != QJsonParseError::NoError
                  ? u"the event document is no JSON ("_s + error.errorString() + u')'
                  : u"the event document is no list of sections"_s);
         return;
     }
-    say(jsonOk);
+    if (lines == Lines::Said)
+        say(jsonOk);
 
-    // A start from the cache parses once; only missing icons cost a second pass.
+    // A start from the cache parses once; only missing icons cost a second pass. The kept copy
+    // that stands in for a failed download shows the icons the cache has.
     m_document = document.array();
-    m_day = m_clock.now().toTimeZone(m_clock.zone()).date();
-    const ScheduleDay day = ScheduleDay::of(m_day, m_clock.zone());
+    m_result.day = m_clock.now().toTimeZone(m_clock.zone()).date();
+    const ScheduleDay day = ScheduleDay::of(m_result.day, m_clock.zone());
     m_icons = std::make_unique<IconCache>(m_cache, m_err);
     AskedIcons asked(*m_icons);
     ParsedDocument parsed = parseDocument(m_document, {day, &asked});
-    if (!asked.missing) {
-        finish(std::move(parsed));
+    if (!asked.missing || lines == Lines::Silent) {
+        finish(std::move(parsed), lines);
         return;
     }
     Q_EMIT progress(Stage::Icons, 0, 0);
@@ -216,39 +233,44 @@ void EventDataSource::decode(const QByteArray &bytes)
         asked.asked, m_loader, iconConcurrency,
         [this, day](const IconCache::Fetched &fetched) {
             FetchedIcons icons(*m_icons, fetched);
-            finish(parseDocument(m_document, {day, &icons}));
+            finish(parseDocument(m_document, {day, &icons}), Lines::Said);
         },
         [this](int settled, int total) { Q_EMIT progress(Stage::Icons, settled, total); });
 }
 
-void EventDataSource::finish(ParsedDocument parsed)
+void EventDataSource::finish(ParsedDocument parsed, Lines lines)
 {
-    for (const SkippedSection &skipped : parsed.skipped)
-        say(skipped.line());
+    if (lines == Lines::Said)
+        for (const SkippedSection &skipped : parsed.skipped)
+            say(skipped.line());
+    if (parsed.sections.isEmpty()) {
+        fail(parsed.skipped.isEmpty() ? u"the event document holds no sections"_s
+                                      : u"no section of the event document could be read"_s);
+        return;
+    }
     // The icons are all in by now: the day after shows what the cache holds.
-    m_followingDay = parseDocument(m_document, {ScheduleDay::of(m_day.addDays(1), m_clock.zone()),
-                                                m_icons.get()})
-                         .sections;
+    m_result.followingDay =
+        parseDocument(m_document,
+                      {ScheduleDay::of(m_result.day.addDays(1), m_clock.zone()), m_icons.get()})
+            .sections;
+    m_result.sections = std::move(parsed.sections);
     m_document = {};
-    Q_EMIT finished(parsed.sections);
+    m_cached.reset();
+    Q_EMIT finished(m_result);
 }
 
-void EventDataSource::fail(const QString &problem)
+void EventDataSource::fail(const QString &reason)
 {
-    m_problem = problem;
-    m_followingDay.clear();
-    Q_EMIT finished({});
-}
-
-SectionList EventDataSource::loadSections(bool download)
-{
-    QMetaObject::Connection connection;
-    SectionList sections = waitFor<SectionList>([&](auto done) {
-        connection = connect(this, &EventDataSource::finished, this, std::move(done));
-        load(download);
-    });
-    disconnect(connection);
-    return sections;
+    // A kept copy that cannot stand in leaves the download's own reason.
+    if (!m_result.problem)
+        m_result.problem = LoadProblem{reason, serviceUrl()};
+    m_result.origin = DayData::Origin::None;
+    m_result.downloadedAt = {};
+    m_result.sections.clear();
+    m_result.followingDay.clear();
+    m_document = {};
+    m_cached.reset();
+    Q_EMIT finished(m_result);
 }
 
 void EventDataSource::say(const QString &line)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "data/daydata.h"
 #include "data/iconcache.h"
 #include "model/documentparser.h"
-#include "model/section.h"
 
 #include <QJsonArray>
 #include <QObject>
@@ -22,6 +22,10 @@ class UrlLoader;
 // a week old, otherwise a fresh download from the event service. Reports what happened in the
 // four diagnostic lines on the output stream (and one line per section record it had to skip),
 // and what else went wrong on the error stream. Loading never blocks the event loop.
+//
+// A download that fails still hands over the copy in the cache folder, whatever its age, marked
+// as kept and with the reason: the lines on the output stream stay those of the failed download,
+// and whoever shows the day decides whether the kept copy may stand in for it.
 class EventDataSource : public QObject
 {
     Q_OBJECT
@@ -48,30 +52,32 @@ public:
     // Starts loading today's sections; finished() brings them. download: whatever the age of
     // the kept copy (a reload asked for by the user).
     void load(bool download = false);
-    // The same, waiting in a local event loop: for tools and tests.
-    SectionList loadSections(bool download = false);
 
     // The event service's document address: the built-in base, or the one the settings file
     // holds under "event_service_url", with the fixed path.
     QUrl serviceUrl() const;
-    // Why the last load brought no document, in plain words; empty when it brought one.
-    const QString &problem() const { return m_problem; }
-    // The local day the last load's sections are for, and the same document's sections for the
-    // day after it, for looking ahead (its skipped records are not reported again).
-    QDate day() const { return m_day; }
-    const SectionList &followingDay() const { return m_followingDay; }
 
 Q_SIGNALS:
     void progress(eventtimer::EventDataSource::Stage stage, int done, int total);
-    // The sections of today, in document order; empty when nothing usable could be had.
-    void finished(const eventtimer::SectionList &sections);
+    // Everything the load brought, once.
+    void finished(const eventtimer::DayData &day);
 
 private:
+    // Whether a decode speaks: the kept copy that stands in for a failed download says nothing
+    // more on the output stream than the failure did.
+    enum class Lines
+    {
+        Said,
+        Silent
+    };
+
     void say(const QString &line);
     void downloaded(const QUrl &url, Result<QByteArray> body);
-    void decode(const QByteArray &bytes);
-    void finish(ParsedDocument parsed);
-    void fail(const QString &problem);
+    // The download failed: the kept copy, if there is one, comes with the reason.
+    void fallBack(const QString &reason);
+    void decode(const QByteArray &bytes, Lines lines);
+    void finish(ParsedDocument parsed, Lines lines);
+    void fail(const QString &reason);
 
     const SettingsStore &m_settings;
     CacheFolder &m_cache;
@@ -79,11 +85,12 @@ private:
     const Clock &m_clock;
     QTextStream &m_out;
     QTextStream &m_err;
-    QString m_problem;
     std::unique_ptr<IconCache> m_icons;
     QJsonArray m_document;
-    QDate m_day;
-    SectionList m_followingDay;
+    // The kept copy, for a download that fails.
+    std::optional<QByteArray> m_cached;
+    // What this load brings, filled as it goes.
+    DayData m_result;
 };
 
 } // namespace eventtimer

@@ -42,9 +42,8 @@ QLabel *plainLabel(const QString &text, QWidget *parent)
 
 } // namespace
 
-ViewController::ViewController(SuiteExporter exportToSharedSuite, Clock &clock, QObject *parent)
+ViewController::ViewController(Clock &clock, QObject *parent)
     : QObject(parent)
-    , m_exportToSharedSuite(std::move(exportToSharedSuite))
     , m_clock(clock)
     , m_timeLabel(new QLabel)
 {
@@ -165,12 +164,14 @@ void ViewController::showProgress(const QString &text)
         m_statusMessage->setText(text);
 }
 
-void ViewController::loadDidFinish(const SectionList &sections, const QString &problem)
+void ViewController::loadDidFinish(const SectionList &sections, const SectionList &followingDay,
+                                   const QString &problem)
 {
     if (m_loaded)
         return;
     m_loaded = true;
     m_sections = sections;
+    m_followingDay = followingDay;
     m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_statusMessage->setText(problem);
     if (m_appeared && !m_built)
@@ -243,8 +244,7 @@ void ViewController::buildTimetable()
     buildSectionColumn();
     buildTimeline();
     sizeContents();
-    if (m_exportToSharedSuite)
-        m_exportToSharedSuite(m_globalSequence, m_builtAt);
+    Q_EMIT timetableBuilt();
     updateCurrentTime();
 }
 
@@ -282,8 +282,6 @@ void ViewController::layOutSections()
     m_geometry = TimetableLayout::build(
         m_sections, m_clock.zone(), m_builtAt,
         [this](const QString &name) { return labelHeight(name); }, m_followingDay);
-    // The sections in their list order, whatever the grouping on screen.
-    m_globalSequence = eventtimer::globalSequence(m_sections, m_clock.zone());
 }
 
 void ViewController::buildSectionColumn()
@@ -381,7 +379,6 @@ void ViewController::updateCurrentTime()
 void ViewController::timeUpdate()
 {
     updateCurrentTime();
-    Q_EMIT timeUpdated();
 }
 
 void ViewController::copyToClipboardWithSender(qsizetype box)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "model/globalsequence.h"
 #include "model/section.h"
 #include "timetable/timetablelayout.h"
 #include "ui/findbar.h"
@@ -34,20 +33,18 @@ class ViewController : public QObject
     Q_OBJECT
 
 Q_SIGNALS:
-    // After every 60-second time update.
-    void timeUpdated();
+    // The timetable stands, and the marker is about to be placed for the first time: the moment
+    // the day's chat-link occurrences are published.
+    void timetableBuilt();
     // The player asked for the reminder preferences.
     void preferencesRequested();
 
 public:
-    // Publishes the day's chat-link occurrences, as of the moment the timetable was built.
-    using SuiteExporter = std::function<void(const GlobalSequence &, const QDateTime &now)>;
-
     static constexpr std::chrono::milliseconds timeUpdateInterval{60000};
     // How long the clipboard message shows after each copy.
     static constexpr std::chrono::milliseconds clipboardMessageInterval{3000};
 
-    ViewController(SuiteExporter exportToSharedSuite, Clock &clock, QObject *parent = nullptr);
+    explicit ViewController(Clock &clock, QObject *parent = nullptr);
     ~ViewController() override;
 
     // The root view, built on first use.
@@ -57,12 +54,11 @@ public:
     void viewDidLoad();
     // What is being loaded, for the loading view ("the event document", "icons 3 of 40").
     void showProgress(const QString &text);
-    // The sections are taken here, once; problem says why there are none, when there are none.
-    // The timetable is built now if the view has appeared.
-    void loadDidFinish(const SectionList &sections, const QString &problem = {});
-    // The same document's sections for the next day, taken before the timetable is built: the
-    // axis goes on after the day's end with their first hours.
-    void setFollowingDay(const SectionList &sections) { m_followingDay = sections; }
+    // What the view shows, taken here once: the day's sections, the same document's sections
+    // for the next day (the axis goes on after the day's end with their first hours), and why
+    // there are none, when there are none. The timetable is built now if the view has appeared.
+    void loadDidFinish(const SectionList &sections, const SectionList &followingDay = {},
+                       const QString &problem = {});
     // When the view is shown (its QEvent::Show): builds the timetable if the sections are in;
     // later appearances change nothing.
     void viewDidAppear();
@@ -113,7 +109,6 @@ public:
 
     const SectionList &sections() const { return m_sections; }
     const QHash<QString, QGroupBox *> &categories() const { return m_categories; }
-    const GlobalSequence &globalSequence() const { return m_globalSequence; }
     std::optional<double> timeConstraint() const { return m_timeConstraint; }
     QLabel *timeLabel() const { return m_timeLabel; }
     bool isBuilt() const { return m_built; }
@@ -141,7 +136,6 @@ private:
     // Scrolls both areas so that the box with the keyboard's focus ring is in view.
     void revealBox(qsizetype box);
 
-    SuiteExporter m_exportToSharedSuite;
     Clock &m_clock;
     QPointer<ReminderChoices> m_choices;
     QString m_wikiPageUrl;
@@ -167,7 +161,6 @@ private:
     SectionList m_followingDay;
     mutable QHash<QString, QSize> m_labelSizes;
     QHash<QString, QGroupBox *> m_categories;
-    GlobalSequence m_globalSequence;
     std::optional<double> m_timeConstraint;
     QPointer<QLabel> m_timeLabel;
     QList<QLabel *> m_sectionLabels;

@@ -3,6 +3,7 @@
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
 #include "eventservice/eventservice.h"
+#include "loadday.h"
 #include "model/clock.h"
 #include "testimages.h"
 
@@ -60,7 +61,8 @@ struct Load
     QByteArray document = goodDocument;
     EventService::Behaviour behaviour;
     QStringList lines{connectionOk, jsonOk};
-    qsizetype sections = 2; // when the document could be read
+    qsizetype sections = 2;
+    DayData::Origin origin = DayData::Origin::Downloaded;
 };
 
 } // namespace
@@ -77,8 +79,8 @@ private:
         const SettingsStore settings(*m_settings, m_err);
         UrlLoader loader({std::chrono::milliseconds(timeoutMs), 1024 * 1024});
         EventDataSource source(settings, *m_cache, loader, m_clock, out, m_err);
-        m_sections = source.loadSections();
-        m_following = source.followingDay();
+        m_day = testing::loadDayNow(source);
+        m_sections = m_day.sections;
         return output.split(u'\n', Qt::SkipEmptyParts);
     }
 
@@ -105,8 +107,8 @@ private:
     std::unique_ptr<QSettings> m_settings;
     std::unique_ptr<EventService> m_service;
     const ManualClock m_clock{noon, QTimeZone::utc()};
+    DayData m_day;
     SectionList m_sections;
-    SectionList m_following;
 
 private Q_SLOTS:
     void init()
@@ -131,14 +133,19 @@ private Q_SLOTS:
         QTest::addColumn<Load>("load");
         const QByteArray html = "<html>maintenance</html>";
         QTest::newRow("nothing kept") << Load{};
-        QTest::newRow("604799.9 s old: the copy") << Load{
-            .bytes = goodDocument, .date = dateText(noon.addMSecs(-604799900)), .lines = {jsonOk}};
+        QTest::newRow("604799.9 s old: the copy")
+            << Load{.bytes = goodDocument,
+                    .date = dateText(noon.addMSecs(-604799900)),
+                    .lines = {jsonOk},
+                    .origin = DayData::Origin::Cache};
         QTest::newRow("604800.0 s old: download")
             << Load{.bytes = "[]", .date = dateText(noon.addSecs(-604800))};
-        QTest::newRow("a date in the future is fresh")
-            << Load{.bytes = goodDocument, .date = dateText(noon.addDays(30)), .lines = {jsonOk}};
+        QTest::newRow("a date in the future is fresh") << Load{.bytes = goodDocument,
+                                                               .date = dateText(noon.addDays(30)),
+                                                               .lines = {jsonOk},
+                                                               .origin = DayData::Origin::Cache};
         QTest::newRow("bytes without a date: used for ever")
-            << Load{.bytes = goodDocument, .lines = {jsonOk}};
+            << Load{.bytes = goodDocument, .lines = {jsonOk}, .origin = DayData::Origin::Cache};
         QTest::newRow("a date without bytes downloads") << Load{.date = dateText(noon)};
         QTest::newRow("records left out are said, one line each")
             << Load{.document = R"([{"category": "C", "name": "Harbour", "segments": {},
@@ -151,16 +158,31 @@ private Q_SLOTS:
                               u"[ERROR] Skipped section 3: not an object (found 5)"_s},
                     .sections = 1};
         // Kept as it came, so every start fails the same way until the week is over.
-        QTest::newRow("no JSON") << Load{.document = html, .lines = {connectionOk, parseError}};
-        QTest::newRow("kept, no JSON")
-            << Load{.bytes = html, .date = dateText(noon), .lines = {parseError}};
-        QTest::newRow("an object, no list")
-            << Load{.document = R"({"sections": []})", .lines = {connectionOk, parseError}};
-        // A failed read shows nothing, not even the old copy, and keeps that for the next try.
+        const DayData::Origin none = DayData::Origin::None;
+        QTest::newRow("no JSON") << Load{
+            .document = html, .lines = {connectionOk, parseError}, .sections = 0, .origin = none};
+        QTest::newRow("kept, no JSON") << Load{.bytes = html,
+                                               .date = dateText(noon),
+                                               .lines = {parseError},
+                                               .sections = 0,
+                                               .origin = none};
+        QTest::newRow("an object, no list") << Load{.document = R"({"sections": []})",
+                                                    .lines = {connectionOk, parseError},
+                                                    .sections = 0,
+                                                    .origin = none};
+        QTest::newRow("an empty list") << Load{
+            .document = "[]", .lines = {connectionOk, jsonOk}, .sections = 0, .origin = none};
+        // A failed read says only that, keeps the old copy for the next try, and hands it over
+        // as kept: whoever shows the day decides.
         QTest::newRow("8 days old, HTTP 500") << Load{.bytes = goodDocument,
                                                       .date = dateText(noon.addDays(-8)),
                                                       .behaviour = {.status = 500},
-                                                      .lines = {connectionError}};
+                                                      .lines = {connectionError},
+                                                      .origin = DayData::Origin::Kept};
+        QTest::newRow("nothing kept, HTTP 500") << Load{.behaviour = {.status = 500},
+                                                        .lines = {connectionError},
+                                                        .sections = 0,
+                                                        .origin = none};
     }
 
     void loads()
@@ -173,8 +195,19 @@ private Q_SLOTS:
         m_service->setBehaviour(EventService::documentPath.toString(), load.behaviour);
         m_service->setDocument(load.document);
         QCOMPARE(this->load(), load.lines);
-        const qsizetype sections = load.lines.contains(jsonOk) ? load.sections : 0;
-        QCOMPARE(m_sections.size(), sections);
+        QCOMPARE(m_sections.size(), load.sections);
+        QCOMPARE(m_day.origin, load.origin);
+        // Said whenever there is nothing new to show, with the address asked.
+        const bool troubled = load.sections == 0 || load.origin == DayData::Origin::Kept;
+        QCOMPARE(m_day.problem.has_value(), troubled);
+        if (troubled)
+            QCOMPARE(m_day.problem->address,
+                     m_service->baseUrl().resolved(QUrl(u"/api/events/sequence"_s)));
+        const QDateTime stamp = QDateTime::fromString(
+            QString::fromLatin1(load.date.value_or(QByteArray())), Qt::ISODateWithMs);
+        QCOMPARE(m_day.downloadedAt, load.origin == DayData::Origin::Downloaded ? noon
+                                     : load.origin == DayData::Origin::None     ? QDateTime()
+                                                                                : stamp);
         // Asked for only when said, and only a failed read is explained on the error stream.
         const bool fresh = load.lines.first() == connectionOk;
         const bool failed = load.lines.first() == connectionError;
@@ -184,9 +217,9 @@ private Q_SLOTS:
         QCOMPARE(kept(EventDataSource::documentFile), fresh ? load.document : load.bytes);
         QCOMPARE(kept(EventDataSource::dateFile), fresh ? dateText(noon) : load.date);
         // The same document from the next midnight, for looking past the day's end.
-        QCOMPARE(m_following.size(), sections);
-        if (!m_following.isEmpty())
-            QCOMPARE(m_following.first()->sequence.first()->time,
+        QCOMPARE(m_day.followingDay.size(), load.sections);
+        if (!m_day.followingDay.isEmpty())
+            QCOMPARE(m_day.followingDay.first()->sequence.first()->time,
                      secondsSinceEpoch(noon.date().addDays(1).startOfDay(QTimeZone::utc())));
     }
 

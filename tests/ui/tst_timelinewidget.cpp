@@ -28,7 +28,7 @@ class SmallTimetable
 {
 public:
     explicit SmallTimetable(QSize size = QSize(1000, 600))
-        : m_controller(std::make_unique<ViewController>(nullptr, m_clock))
+        : m_controller(std::make_unique<ViewController>(m_clock))
     {
         QWidget *view = m_controller->view();
         view->resize(size);
