@@ -6,11 +6,12 @@
 //   bench_startup --window   the app; quits after its window first paints
 //   bench_startup --app      the app; quits after its timetable first paints
 //   bench_startup --minimal  one label in a window; quits after it first paints
-#include "app/timetablewindow.h"
+#include "app/eventtimer.h"
 #include "benchsupport.h"
 #include "eventservice/eventservice.h"
 #include "model/clock.h"
 #include "ui/timelinewidget.h"
+#include "ui/viewcontroller.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -60,12 +61,12 @@ int runApp(int argc, char *argv[], bool timetable)
 {
     QApplication application(argc, argv);
     eventtimer::SystemClock clock;
-    eventtimer::TimetableWindow window(clock);
-    window.show();
+    eventtimer::EventTimer program(clock);
+    program.show();
     if (timetable)
-        new QuitAfterPaint(window.controller().horizontalScrollContent());
+        new QuitAfterPaint(program.controller().horizontalScrollContent());
     else
-        new QuitAfterPaint(window.controller().view());
+        new QuitAfterPaint(program.controller().view());
     return QApplication::exec();
 }
 

@@ -1,7 +1,7 @@
 // Event Timer: today's recurring events of the game, one row per section, on a scrolling day.
 #include "app/appdelegate.h"
+#include "app/eventtimer.h"
 #include "app/singleinstance.h"
-#include "app/timetablewindow.h"
 #include "model/clock.h"
 
 #include <QApplication>
@@ -97,10 +97,10 @@ int main(int argc, char *argv[])
                      &eventtimer::AppDelegate::applicationWillTerminate);
 
     eventtimer::SystemClock clock(clockShift());
-    eventtimer::TimetableWindow window(clock);
-    QObject::connect(&instance, &eventtimer::SingleInstance::activationRequested, &window,
+    eventtimer::EventTimer program(clock);
+    QObject::connect(&instance, &eventtimer::SingleInstance::activationRequested, &program.window(),
                      &eventtimer::TimetableWindow::bringToFront);
-    window.show();
+    program.show();
     delegate.applicationDidFinishLaunching();
     return QApplication::exec();
 }

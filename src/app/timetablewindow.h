@@ -1,87 +1,66 @@
 #pragma once
 
-#include "app/reminders.h"
-#include "data/cachefolder.h"
-#include "data/eventdatasource.h"
-#include "data/settingsstore.h"
-#include "data/urlloader.h"
-#include "model/clock.h"
-#include "ui/viewcontroller.h"
-
+#include <QLabel>
 #include <QMainWindow>
-#include <QObject>
 #include <QPointer>
 #include <QStackedWidget>
 #include <QTextStream>
 
-#include <memory>
+#include <functional>
 
 namespace eventtimer {
 
-// The program's one window and its timetable, wired to the user's settings file, the cache
-// folder, the event service, the shared suite and the reminders: what main() starts, and what
-// the start-up benchmark measures. The window shows at once and says what it is loading; each
-// load (at the start, on Reload, when the local day changes) makes a timetable controller of
-// its own, which takes the place of the one shown when its data is in. Where the desktop has
-// a tray, the program has an icon there, and while events are marked a closed window keeps
-// the program reminding from it.
-class TimetableWindow : public QObject
+class SettingsStore;
+
+// The program's one window: the timetable shown (a view that a new one takes the place of), a
+// thin status line under it, the window's keys, and its place on the screen, which it takes
+// from the settings file and keeps there when it is closed.
+class TimetableWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    explicit TimetableWindow(Clock &clock, QObject *parent = nullptr);
-    ~TimetableWindow() override;
+    // A place that cannot be kept is said on err.
+    TimetableWindow(SettingsStore &settings, QTextStream &err, QWidget *parent = nullptr);
 
-    // Shows the window and starts loading.
-    void show();
-    // Downloads the document again, whatever its age, and builds a new timetable from it.
-    void reload();
-    // Shows the window in front of the others (a second start asked for it).
+    // The window as it was last closed: maximized, or in its normal place.
+    void open();
+    // Shows the window in front of the others (a second start or the tray asked for it).
     void bringToFront();
-    void showPreferences();
 
-    Reminders &reminders() { return *m_reminders; }
+    // The view to show; it takes the place of the one shown, which is given back.
+    QWidget *showTimetable(QWidget *view);
+    QWidget *timetable() const { return m_stack->currentWidget(); }
 
-    QMainWindow &window() { return m_window; }
-    ViewController &controller() { return *m_controller; }
-    SettingsStore &settings() { return m_settings; }
+    // A line under the timetable (why it was not updated, what is loading); empty hides it.
+    void showStatus(const QString &text);
+    QLabel *statusLine() const { return m_status; }
+
+    // Asked when the window is closed: true keeps the program running with the window hidden.
+    void setHideOnClose(std::function<bool()> hideOnClose)
+    {
+        m_hideOnClose = std::move(hideOnClose);
+    }
 
 Q_SIGNALS:
-    // A new timetable stands in the window.
-    void timetableReplaced();
+    void reloadRequested();
+    void preferencesRequested();
+    // Closed, and hidden instead of ending the program.
+    void hiddenOnClose();
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
-    void addActions();
-    void setUpTray();
-    // Every minute, from the timetable's time update.
-    void minuteTick();
-    void restoreGeometry();
-    void saveGeometry();
-    void load(bool download);
-    QString progressText(EventDataSource::Stage stage, int done, int total) const;
+    void addKeys();
+    void restorePlace();
+    void savePlace();
 
-    Clock &m_clock;
-    QTextStream m_out;
-    QTextStream m_err;
-    std::unique_ptr<QSettings> m_settingsFile;
-    SettingsStore m_settings;
-    CacheFolder m_cache;
-    UrlLoader m_loader;
-    std::unique_ptr<EventDataSource> m_source;
-    std::unique_ptr<ViewController> m_controller;
-    std::unique_ptr<ViewController> m_next;
-    QMainWindow m_window;
+    SettingsStore &m_settings;
+    QTextStream &m_err;
     QStackedWidget *m_stack = nullptr;
-    std::unique_ptr<Reminders> m_reminders;
-    // The local day of the timetable loaded last.
-    QDate m_day;
-    bool m_unknownMarksSaid = false;
-    QPointer<QSystemTrayIcon> m_tray;
-    QPointer<QDialog> m_preferences;
+    QLabel *m_status = nullptr;
+    std::function<bool()> m_hideOnClose;
 };
 
 } // namespace eventtimer

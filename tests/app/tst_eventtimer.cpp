@@ -1,7 +1,9 @@
+#include "app/eventtimer.h"
 #include "app/preferencesdialog.h"
-#include "app/timetablewindow.h"
-#include "data/suiteformat.h"
+#include "app/windowplacement.h"
 #include "eventservice/eventservice.h"
+#include "model/clock.h"
+#include "ui/viewcontroller.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -111,22 +113,25 @@ private Q_SLOTS:
         m_service.setBehaviour(m_document, {.delayMs = 300});
         QElapsedTimer gone;
         {
-            TimetableWindow window(m_clock);
-            window.show();
-            QVERIFY(window.controller().statusMessage()->isVisible());
-            QVERIFY(window.controller().statusMessage()->text().startsWith(
+            EventTimer program(m_clock);
+            program.show();
+            QVERIFY(program.controller().statusMessage()->isVisible());
+            QVERIFY(program.controller().statusMessage()->text().startsWith(
                 u"Loading the events from 127.0.0.1"_s));
-            QTRY_VERIFY(window.controller().isBuilt());
-            const ViewController *first = &window.controller();
+            QTRY_VERIFY(program.controller().isBuilt());
+            const ViewController *first = &program.controller();
 
-            // F5: downloaded again, though the copy is fresh; the new timetable takes the place.
-            QTest::keyClick(&window.window(), Qt::Key_F5);
+            // F5: downloaded again, though the copy is fresh; the new timetable takes the place,
+            // and while it loads, the line under the old one says so.
+            QTest::keyClick(&program.window(), Qt::Key_F5);
+            QVERIFY(program.window().statusLine()->text().startsWith(u"Loading the events"_s));
             QTRY_COMPARE(m_service.requestCount(m_document), 2);
-            QTRY_VERIFY(&window.controller() != first && window.controller().isBuilt());
-            QVERIFY(window.controller().view()->isVisible());
+            QTRY_VERIFY(&program.controller() != first && program.controller().isBuilt());
+            QVERIFY(program.controller().view()->isVisible());
+            QVERIFY(!program.window().statusLine()->isVisible());
 
             m_service.setBehaviour(m_document, {.delayMs = 5000});
-            window.reload();
+            program.reload();
             QTRY_COMPARE(m_service.requestCount(m_document), 3);
             gone.start();
         }
@@ -136,55 +141,48 @@ private Q_SLOTS:
         m_service.clearBehaviours();
     }
 
-    // The offscreen screen is 800 x 800.
-    void opensWhereItWasClosedWithinTheScreen_data()
+    void placesTheWindowWithinTheScreens_data()
     {
         QTest::addColumn<QRect>("saved");
         QTest::addColumn<QRect>("opened");
-        QTest::newRow("first start: as large as fits") << QRect() << QRect(0, 0, 800, 800);
-        QTest::newRow("where it was") << QRect(100, 50, 650, 400) << QRect(100, 50, 650, 400);
-        QTest::newRow("screen gone") << QRect(5000, 5000, 700, 400) << QRect(100, 400, 700, 400);
-        QTest::newRow("too large") << QRect(-50, 20, 2000, 400) << QRect(0, 20, 800, 400);
-        QTest::newRow("too small") << QRect(300, 300, 100, 100) << QRect(160, 300, 640, 360);
+        QTest::addColumn<bool>("placed");
+        // Two screens side by side; the first is where a window opens by default.
+        QTest::newRow("first start: as large as fits")
+            << QRect() << QRect(0, 0, 1000, 800) << false;
+        QTest::newRow("where it was")
+            << QRect(100, 50, 650, 400) << QRect(100, 50, 650, 400) << true;
+        QTest::newRow("on the second screen")
+            << QRect(1200, 50, 650, 400) << QRect(1200, 50, 650, 400) << true;
+        QTest::newRow("screen gone")
+            << QRect(5000, 5000, 700, 400) << QRect(300, 400, 700, 400) << true;
+        QTest::newRow("too large") << QRect(-50, 20, 2000, 400) << QRect(0, 20, 1000, 400) << true;
+        QTest::newRow("too small")
+            << QRect(300, 300, 100, 100) << QRect(300, 300, 640, 360) << true;
+        QTest::newRow("sticking out of its screen")
+            << QRect(1500, 500, 640, 400) << QRect(1360, 400, 640, 400) << true;
     }
 
-    void opensWhereItWasClosedWithinTheScreen()
+    void placesTheWindowWithinTheScreens()
     {
         QFETCH(QRect, saved);
         QFETCH(QRect, opened);
-        SettingsStore::openStandard()->setValue(settingskeys::windowGeometry.toString(), saved);
-        TimetableWindow window(m_clock);
-        QCOMPARE(window.window().geometry(), opened);
-
-        window.window().setGeometry(120, 80, 660, 410);
-        window.window().close();
-        TimetableWindow next(m_clock);
-        QCOMPARE(next.window().geometry(), QRect(120, 80, 660, 410));
+        QFETCH(bool, placed);
+        const WindowPlacement placement =
+            placeWindow(saved, {QRect(0, 0, 1000, 800), QRect(1000, 0, 1000, 800)}, QSize(640, 360),
+                        QSize(1280, 800));
+        QCOMPARE(placement.geometry, opened);
+        QCOMPARE(placement.placed, placed);
     }
 
-    // Started at 23:57 with A (due every hour) marked one minute ahead: the reminder of the new
-    // day's 00:00 comes at 23:59, and at midnight a timetable of the new day takes the place.
-    void remindsAcrossMidnightAndRollsOver()
+    void opensWhereItWasClosed()
     {
-        ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(23, 57), QTimeZone::utc()),
-                          QTimeZone::utc());
-        TimetableWindow window(clock);
-        window.reminders().setBus(QDBusConnection(u"none"_s));
-        window.reminders().choices().assign({u"A"_s}, 1);
-        QStringList heard;
-        connect(&window.reminders().scheduler(), &ReminderScheduler::remind, this,
-                [&](const Reminder &reminder) { heard.append(reminder.startText); });
-        window.show();
-        QTRY_VERIFY(window.controller().isBuilt());
-        const ViewController *before = &window.controller();
-
-        clock.advance(std::chrono::minutes(3));
-        QCOMPARE(heard, QStringList{u"00:00"_s});
-        QTRY_VERIFY(&window.controller() != before && window.controller().isBuilt());
-        QFile suite(suitekeys::suitePath());
-        QVERIFY(suite.open(QIODevice::ReadOnly) &&
-                suite.readAll().contains("\"axis_day_start\": \"2026-11-23"));
-        QCOMPARE(window.reminders().scheduler().next()->at, clock.now().addSecs(59 * 60));
+        {
+            EventTimer program(m_clock);
+            program.window().setGeometry(120, 80, 660, 410);
+            program.window().close();
+        }
+        EventTimer next(m_clock);
+        QCOMPARE(next.window().geometry(), QRect(120, 80, 660, 410));
     }
 
     void preferencesChangeTheChoicesAtOnce()

@@ -1,0 +1,65 @@
+#include "app/tray.h"
+
+#include "app/reminders.h"
+#include "app/timetablewindow.h"
+#include "data/settingsstore.h"
+
+#include <QApplication>
+#include <QMenu>
+
+using namespace Qt::StringLiterals;
+
+namespace eventtimer {
+
+Tray::Tray(TimetableWindow &window, Reminders &reminders, SettingsStore &settings, QObject *parent)
+    : QObject(parent)
+    , m_window(window)
+    , m_reminders(reminders)
+    , m_settings(settings)
+{}
+
+void Tray::setUp()
+{
+    if (m_icon || !QSystemTrayIcon::isSystemTrayAvailable())
+        return;
+    m_icon = new QSystemTrayIcon(m_window.windowIcon(), this);
+    auto *menu = new QMenu(&m_window);
+    QAction *showHide = menu->addAction(u"Hide"_s, this, [this] {
+        if (m_window.isVisible())
+            m_window.hide();
+        else
+            m_window.bringToFront();
+    });
+    connect(menu, &QMenu::aboutToShow, this,
+            [this, showHide] { showHide->setText(m_window.isVisible() ? u"Hide"_s : u"Show"_s); });
+    menu->addAction(u"Reload"_s, this, [this] { Q_EMIT reloadRequested(); });
+    menu->addAction(u"Preferences\u2026"_s, this, [this] { Q_EMIT preferencesRequested(); });
+    menu->addSeparator();
+    menu->addAction(u"Quit"_s, qApp, &QCoreApplication::quit);
+    m_icon->setContextMenu(menu);
+    connect(m_icon, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason why) {
+                if (why == QSystemTrayIcon::Trigger)
+                    m_window.isVisible() ? m_window.hide() : m_window.bringToFront();
+            });
+    // The reminders go on from the tray while the window is closed.
+    m_window.setHideOnClose(
+        [this] { return m_icon && m_icon->isVisible() && m_reminders.choices().hasMarks(); });
+    connect(&m_window, &TimetableWindow::hiddenOnClose, this, &Tray::explainOnce);
+    QApplication::setQuitOnLastWindowClosed(false);
+    m_reminders.setTray(m_icon);
+    m_icon->show();
+}
+
+void Tray::explainOnce()
+{
+    if (m_settings.value(settingskeys::trayExplained).toBool())
+        return;
+    m_icon->showMessage(u"Event Timer keeps reminding you"_s,
+                        u"The window is closed; the reminders of the marked events go on from "
+                        u"here. Quit from this icon's menu."_s);
+    m_settings.setValue(settingskeys::trayExplained, true);
+    m_settings.sync();
+}
+
+} // namespace eventtimer

@@ -1,0 +1,280 @@
+#include "app/eventtimer.h"
+#include "data/eventdatasource.h"
+#include "data/suiteformat.h"
+#include "eventservice/eventservice.h"
+#include "model/clock.h"
+#include "model/scheduleday.h"
+#include "ui/viewcontroller.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace eventtimer;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+// One section whose event, with a chat link, starts every hour.
+QByteArray document(const char *event)
+{
+    return QByteArray(R"([{"category": "C", "name": "S", "segments": {"0": {"name": ")") + event +
+           R"(", "chatlink": "[&L]"}}, "sequences": {"partial": [], "pattern": [{"d": 60, "r": 0}]}}])";
+}
+
+enum class Occasion
+{
+    Start,
+    Reload,
+    DayChange
+};
+
+// What the event service and the cache folder hold when the occasion comes.
+enum class Condition
+{
+    Ok,
+    FailsWithFreshCopy,
+    FailsWithExpiredCopy,
+    FailsWithNoCopy,
+    NoSections
+};
+
+// "A 22": the event the timetable shows and the day of the month it is for; "empty".
+QString dayText(const QString &event, QDate day)
+{
+    return (event.isEmpty() ? u"empty"_s : event) + u' ' + QString::number(day.day());
+}
+
+} // namespace
+
+// The day's owner as the player meets it: at the start, on F5 and at midnight, whatever the
+// event service does, a timetable once shown is never taken away.
+class TestDayLoader : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_home;
+    EventService m_service;
+    const QString m_document = EventService::documentPath.toString();
+
+    void writeCopy(const QByteArray &bytes, const QDateTime &downloaded)
+    {
+        CacheFolder cache(CacheFolder::standardPath(), m_errors);
+        QVERIFY(cache.write(EventDataSource::documentFile.toString(), bytes));
+        QVERIFY(cache.write(EventDataSource::dateFile.toString(),
+                            downloaded.toUTC().toString(Qt::ISODateWithMs).toLatin1()));
+    }
+
+    // What the service and the cache hold from now on.
+    void prepare(Condition condition, const QDateTime &now, bool started)
+    {
+        const QByteArray copy = document("A");
+        const QDateTime expired = now.addDays(-8);
+        m_service.setBehaviour(m_document, {});
+        m_service.setDocument(started ? document("B") : copy);
+        switch (condition) {
+        case Condition::Ok:
+            if (started)
+                writeCopy(copy, expired);
+            break;
+        case Condition::FailsWithFreshCopy:
+            writeCopy(copy, now);
+            m_service.setBehaviour(m_document, {.status = 500});
+            break;
+        case Condition::FailsWithExpiredCopy:
+            writeCopy(copy, expired);
+            m_service.setBehaviour(m_document, {.status = 500});
+            break;
+        case Condition::FailsWithNoCopy:
+            QDir(CacheFolder::standardPath()).removeRecursively();
+            m_service.setBehaviour(m_document, {.status = 500});
+            break;
+        case Condition::NoSections:
+            m_service.setDocument("[]");
+            if (started)
+                writeCopy(copy, expired);
+            break;
+        }
+    }
+
+    // "A 22" for the suite's first event and its day; "" when there is no suite.
+    static QString published()
+    {
+        QFile file(suitekeys::suitePath());
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        const QJsonObject suite = QJsonDocument::fromJson(file.readAll()).object();
+        return dayText(
+            suite.value(suitekeys::sequence).toArray().first().toString(),
+            QDateTime::fromString(suite.value(suitekeys::axisDayStart).toString(), Qt::ISODate)
+                .date());
+    }
+
+    static QString shown(EventTimer &program)
+    {
+        const TimelineWidget *timeline = program.controller().horizontalScrollContent();
+        if (!program.controller().isBuilt() || !program.days().shownDay())
+            return u"not built"_s;
+        return dayText(timeline->boxes().isEmpty() ? QString()
+                                                   : timeline->boxes().first().event().name,
+                       program.days().shownDay()->day);
+    }
+
+    QString m_errorText;
+    QTextStream m_errors{&m_errorText};
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+            qputenv(variable, m_home.filePath(QString::fromLatin1(variable)).toUtf8());
+        QVERIFY(m_service.listen());
+        SettingsStore::openStandard()->setValue(settingskeys::serviceUrl.toString(),
+                                                m_service.baseUrl().toString());
+    }
+
+    void init()
+    {
+        QDir(CacheFolder::standardPath()).removeRecursively();
+        QFile::remove(suitekeys::suitePath());
+    }
+
+    void keepsWhatItShows_data()
+    {
+        QTest::addColumn<Occasion>("occasion");
+        QTest::addColumn<Condition>("condition");
+        QTest::addColumn<QString>("shows");
+        // The suite afterwards; empty when the occasion left it as it was.
+        QTest::addColumn<QString>("suite");
+        QTest::addColumn<QString>("status"); // a pattern
+
+        const auto rows = [](const char *occasionName, Occasion occasion,
+                             const QList<std::tuple<Condition, QString, QString, QString>> &rows) {
+            static const char *names[] = {"download ok", "fails, fresh copy", "fails, expired copy",
+                                          "fails, no copy", "no sections"};
+            for (const auto &[condition, shows, suite, status] : rows)
+                QTest::addRow("%s, %s", occasionName, names[static_cast<int>(condition)])
+                    << occasion << condition << shows << suite << status;
+        };
+        const auto kept = [](const QString &since, const QString &reason, const QString &shown) {
+            return u"^Not updated since "_s + since + u": "_s + reason +
+                   u" \\(http://127\\.0\\.0\\.1:\\d+/api/events/sequence\\)\\. "_s + shown +
+                   u"F5 tries again\\.$"_s;
+        };
+        const QString failed = u"HTTP 500"_s;
+        const QString nothing = u"the event document holds no sections"_s;
+        // The start shows what it gets, an empty timetable included, and publishes it.
+        rows("start", Occasion::Start,
+             {{Condition::Ok, u"A 22"_s, u"A 22"_s, u"^$"_s},
+              {Condition::FailsWithFreshCopy, u"A 22"_s, u"A 22"_s, u"^$"_s},
+              {Condition::FailsWithExpiredCopy, u"empty 22"_s, u"empty 22"_s, u"^$"_s},
+              {Condition::FailsWithNoCopy, u"empty 22"_s, u"empty 22"_s, u"^$"_s},
+              {Condition::NoSections, u"empty 22"_s, u"empty 22"_s, u"^$"_s}});
+        // F5 downloads whatever the copy's age; when that fails, everything stays.
+        rows("reload", Occasion::Reload,
+             {{Condition::Ok, u"B 22"_s, u"B 22"_s, u"^$"_s},
+              {Condition::FailsWithFreshCopy, u"A 22"_s, QString(),
+               kept(u"23:59"_s, failed, QString())},
+              {Condition::FailsWithExpiredCopy, u"A 22"_s, QString(),
+               kept(u"23:59"_s, failed, QString())},
+              {Condition::FailsWithNoCopy, u"A 22"_s, QString(),
+               kept(u"23:59"_s, failed, QString())},
+              {Condition::NoSections, u"A 22"_s, QString(), kept(u"23:59"_s, nothing, QString())}});
+        // The new day from the copy however old, else the old day stays with its suite.
+        const QString oldDay = u"The timetable shown is for Sun 22 Nov; "_s;
+        rows("day change", Occasion::DayChange,
+             {{Condition::Ok, u"B 23"_s, u"B 23"_s, u"^$"_s},
+              {Condition::FailsWithFreshCopy, u"A 23"_s, u"A 23"_s, u"^$"_s},
+              {Condition::FailsWithExpiredCopy, u"A 23"_s, u"A 23"_s,
+               kept(u"00:00"_s, failed,
+                    u"This timetable comes from the copy downloaded on Sat 14 Nov; "_s)},
+              {Condition::FailsWithNoCopy, u"A 22"_s, QString(), kept(u"00:00"_s, failed, oldDay)},
+              {Condition::NoSections, u"A 22"_s, QString(), kept(u"00:00"_s, nothing, oldDay)}});
+    }
+
+    void keepsWhatItShows()
+    {
+        QFETCH(Occasion, occasion);
+        QFETCH(Condition, condition);
+        QFETCH(QString, shows);
+        QFETCH(QString, suite);
+        QFETCH(QString, status);
+        ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(23, 59), QTimeZone::utc()),
+                          QTimeZone::utc());
+        EventTimer program(clock);
+        if (occasion != Occasion::Start) {
+            prepare(Condition::Ok, clock.now(), false);
+            program.show();
+            QTRY_COMPARE(shown(program), u"A 22"_s);
+            QCOMPARE(published(), u"A 22"_s);
+            QFile::remove(suitekeys::suitePath());
+        }
+        prepare(condition, clock.now(), occasion != Occasion::Start);
+        if (occasion == Occasion::Start)
+            program.show();
+        else if (occasion == Occasion::Reload)
+            QTest::keyClick(&program.window(), Qt::Key_F5);
+        else
+            clock.advance(1min);
+        QTRY_VERIFY(!program.days().isLoading());
+        QTRY_COMPARE(shown(program), shows);
+        QCOMPARE(published(), suite);
+        const QString line = program.window().statusLine()->text();
+        QVERIFY2(QRegularExpression(status).match(line).hasMatch(), qPrintable(line));
+        QCOMPARE(program.window().statusLine()->isVisible(), !line.isEmpty());
+    }
+
+    // Started at 23:58 local time with A (every hour) marked one minute ahead: a reminder comes
+    // at 23:59, and at the local midnight, not the UTC one, the new day's timetable takes the
+    // place, with its first occurrence at that midnight.
+    void changesDayAtLocalMidnight_data()
+    {
+        QTest::addColumn<QDateTime>("start");
+        QTest::addColumn<QDate>("next");
+        QTest::newRow("UTC") << QDateTime(QDate(2026, 11, 22), QTime(23, 58), QTimeZone::utc())
+                             << QDate(2026, 11, 23);
+        QTest::newRow("UTC+2") << QDateTime(QDate(2026, 11, 22), QTime(23, 58), QTimeZone(7200))
+                               << QDate(2026, 11, 23);
+        QTest::newRow("UTC-5") << QDateTime(QDate(2026, 11, 22), QTime(23, 58), QTimeZone(-18000))
+                               << QDate(2026, 11, 23);
+        const QTimeZone berlin("Europe/Berlin");
+        QTest::newRow("into summer time")
+            << QDateTime(QDate(2026, 3, 28), QTime(23, 58), berlin) << QDate(2026, 3, 29);
+        QTest::newRow("out of summer time")
+            << QDateTime(QDate(2026, 10, 24), QTime(23, 58), berlin) << QDate(2026, 10, 25);
+    }
+
+    void changesDayAtLocalMidnight()
+    {
+        QFETCH(QDateTime, start);
+        QFETCH(QDate, next);
+        prepare(Condition::Ok, start, false);
+        ManualClock clock(start, start.timeZone());
+        EventTimer program(clock);
+        program.reminders().setBus(QDBusConnection(u"none"_s));
+        program.reminders().choices().assign({u"A"_s}, 1);
+        QStringList heard;
+        connect(&program.reminders().scheduler(), &ReminderScheduler::remind, this,
+                [&](const Reminder &reminder) { heard.append(reminder.startText); });
+        program.show();
+        QTRY_COMPARE(shown(program), dayText(u"A"_s, start.date()));
+
+        clock.advance(1min);
+        QCOMPARE(program.days().shownDay()->day, start.date());
+        QCOMPARE(heard.size(), 1);
+        clock.advance(1min);
+        QTRY_COMPARE(shown(program), dayText(u"A"_s, next));
+        const SectionList &sections = program.days().shownDay()->sections;
+        QCOMPARE(sections.first()->sequence.first()->time,
+                 secondsSinceEpoch(next.startOfDay(start.timeZone())));
+        QCOMPARE(published().section(u' ', 0, 0), u"A"_s);
+    }
+};
+
+QTEST_MAIN(TestDayLoader)
+#include "tst_dayloader.moc"
