@@ -67,7 +67,9 @@ int runApp(int argc, char *argv[])
 {
     QApplication application(argc, argv);
     eventtimer::SystemClock clock;
-    eventtimer::EventTimer program(clock);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    eventtimer::EventTimer program(clock, out, err);
     program.show();
     QObject::connect(
         &program.days(), &eventtimer::DayLoader::timetableReplaced, &program,
@@ -111,7 +113,9 @@ void countSimulatedWakeUps()
 {
     eventtimer::ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(1, 9), QTimeZone::utc()),
                                   QTimeZone::utc());
-    eventtimer::EventTimer program(clock);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    eventtimer::EventTimer program(clock, out, err);
     program.reminders().setBus(QDBusConnection(u"none"_s));
     program.reminders().choices().assign(
         {u"Marsh Leviathan"_s, u"Rift of Brine"_s, u"Vyrnax the Hoarfrost"_s}, 5);

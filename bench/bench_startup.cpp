@@ -61,7 +61,9 @@ int runApp(int argc, char *argv[], bool timetable)
 {
     QApplication application(argc, argv);
     eventtimer::SystemClock clock;
-    eventtimer::EventTimer program(clock);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    eventtimer::EventTimer program(clock, out, err);
     program.show();
     if (timetable)
         new QuitAfterPaint(program.controller().horizontalScrollContent());

@@ -3,22 +3,24 @@
 #include "app/preferencesdialog.h"
 #include "ui/viewcontroller.h"
 
+#include <QApplication>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
-EventTimer::EventTimer(Clock &clock, QObject *parent)
+EventTimer::EventTimer(Clock &clock, QTextStream &out, QTextStream &err, QObject *parent)
     : QObject(parent)
-    , m_out(stdout)
-    , m_err(stderr)
+    , m_out(out)
+    , m_err(err)
     , m_settingsFile(SettingsStore::openStandard())
     , m_settings(*m_settingsFile, m_err)
     , m_cache(CacheFolder::standardPath(), m_err)
     , m_reminders(m_settings, clock, m_err)
+    , m_autostart(QCoreApplication::applicationFilePath())
     , m_window(m_settings, m_err)
-    , m_tray(m_window, m_reminders, m_settings)
+    , m_tray(m_window, m_reminders, m_settings, m_autostart)
     , m_days(std::make_unique<DayLoader>(DayLoader::Parts{m_settings, m_cache, m_loader, clock,
                                                           m_out, m_err, m_reminders, m_window}))
 {
@@ -26,6 +28,14 @@ EventTimer::EventTimer(Clock &clock, QObject *parent)
     connect(&m_window, &TimetableWindow::preferencesRequested, this, &EventTimer::showPreferences);
     connect(&m_tray, &Tray::reloadRequested, this, &EventTimer::reload);
     connect(&m_tray, &Tray::preferencesRequested, this, &EventTimer::showPreferences);
+    connect(&m_tray, &Tray::startAtLoginRequested, this, &EventTimer::setStartAtLogin);
+    // The window's close ends the program, unless the reminders are to go on.
+    QApplication::setQuitOnLastWindowClosed(false);
+    m_window.setHideOnClose([this] { return m_reminders.choices().hasMarks(); });
+    connect(&m_window, &TimetableWindow::hiddenOnClose, this, [this] {
+        goneFromSight(u"Event Timer keeps reminding you"_s,
+                      u"The window is closed; the reminders of the marked events go on."_s);
+    });
     connect(&m_reminders, &Reminders::copyRequested, this,
             [this](const QString &link) { controller().copyChatLink(link); });
 }
@@ -33,25 +43,53 @@ EventTimer::EventTimer(Clock &clock, QObject *parent)
 // The day's owner, and with it the timetable's views, goes before the window that holds them.
 EventTimer::~EventTimer() = default;
 
-void EventTimer::show()
+void EventTimer::show(bool hidden)
 {
     m_days->start();
-    m_window.open();
+    if (!hidden)
+        m_window.open();
     // After the first frames: the icon's pictures are decoded as it is set, and asking for the
     // tray may cost a round trip to the desktop.
-    QTimer::singleShot(std::chrono::milliseconds(300), this, [this] {
+    QTimer::singleShot(std::chrono::milliseconds(300), this, [this, hidden] {
         QIcon icon;
         icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-48.png"_s, QSize(48, 48));
         icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-256.png"_s, QSize(256, 256));
         m_window.setWindowIcon(icon);
         m_tray.setUp();
+        if (hidden)
+            goneFromSight(u"Event Timer is running"_s,
+                          u"It reminds you of the marked events without its window."_s);
     });
+}
+
+void EventTimer::goneFromSight(const QString &summary, const QString &body)
+{
+    if (m_tray.isShown()) {
+        m_tray.explainOnce();
+        return;
+    }
+    // Without a tray there is no icon to find the program by: it says how to get the window.
+    if (m_goneFromSightSaid)
+        return;
+    m_goneFromSightSaid = true;
+    m_reminders.tell(summary, body + u" Start Event Timer again to see the window."_s);
+}
+
+void EventTimer::setStartAtLogin(bool start)
+{
+    if (const Status done = m_autostart.setEnabled(start); !done) {
+        m_err << "eventtimer: " << done.error() << Qt::endl;
+        m_window.showStatus(u"Start at login could not be changed: "_s + done.error());
+    }
 }
 
 void EventTimer::showPreferences()
 {
     if (!m_preferences) {
-        m_preferences = new PreferencesDialog(m_reminders.choices(), &m_window);
+        auto *preferences = new PreferencesDialog(m_reminders.choices(), m_autostart, &m_window);
+        connect(preferences, &PreferencesDialog::startAtLoginRequested, this,
+                &EventTimer::setStartAtLogin);
+        m_preferences = preferences;
         m_preferences->setAttribute(Qt::WA_DeleteOnClose);
     }
     m_preferences->show();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/autostart.h"
 #include "app/dayloader.h"
 #include "app/reminders.h"
 #include "app/timetablewindow.h"
@@ -21,37 +22,50 @@ class Clock;
 // The program: the user's settings file, the cache folder, the event service, the reminders,
 // the window and its tray, and the day's owner that runs them from one day to the next. What
 // main() starts, and what the tests and the start-up benchmark drive.
+//
+// While events are marked, closing the window keeps the program reminding; so does a start
+// without the window. It never goes on unseen without saying so once: from the tray where there
+// is one, else in a notification that tells how to get the window back.
 class EventTimer : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit EventTimer(Clock &clock, QObject *parent = nullptr);
+    // The fixed lines go to out, everything else that is said to err.
+    EventTimer(Clock &clock, QTextStream &out, QTextStream &err, QObject *parent = nullptr);
     ~EventTimer() override;
 
-    // Opens the window and loads today's timetable.
-    void show();
+    // Loads today's timetable, and opens the window unless hidden.
+    void show(bool hidden = false);
     void reload() { m_days->reload(); }
     void showPreferences();
+    // Writes or removes the autostart entry; a failure is said in the window and on stderr.
+    void setStartAtLogin(bool start);
 
     TimetableWindow &window() { return m_window; }
     ViewController &controller() { return m_days->controller(); }
     DayLoader &days() { return *m_days; }
     Reminders &reminders() { return m_reminders; }
     SettingsStore &settings() { return m_settings; }
+    Autostart &autostart() { return m_autostart; }
 
 private:
-    QTextStream m_out;
-    QTextStream m_err;
+    // The window is closed, or never opened, and the program goes on.
+    void goneFromSight(const QString &summary, const QString &body);
+
+    QTextStream &m_out;
+    QTextStream &m_err;
     std::unique_ptr<QSettings> m_settingsFile;
     SettingsStore m_settings;
     CacheFolder m_cache;
     UrlLoader m_loader;
     Reminders m_reminders;
+    Autostart m_autostart;
     TimetableWindow m_window;
     Tray m_tray;
     std::unique_ptr<DayLoader> m_days;
     QPointer<QDialog> m_preferences;
+    bool m_goneFromSightSaid = false;
 };
 
 } // namespace eventtimer

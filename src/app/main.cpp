@@ -1,56 +1,17 @@
 // Event Timer: today's recurring events of the game, one row per section, on a scrolling day.
 #include "app/appdelegate.h"
+#include "app/commandline.h"
 #include "app/eventtimer.h"
 #include "app/singleinstance.h"
 #include "model/clock.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// --help and --version are answered without a window (and without a display); any other
-// argument is refused. Returns the exit status, or -1 to start the program.
-int answerCommandLine(int argc, char *argv[])
-{
-    QStringList arguments{u"eventtimer"_s};
-    for (int i = 1; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        u"Event Timer: today's recurring events of the game, one row per section on a day\n"
-        u"that scrolls sideways; one click copies an event's chat link. Settings:\n"
-        u"$XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf; downloads:\n"
-        u"$XDG_CACHE_HOME/tolmerkvarn/eventtimer/; shared with companion programs:\n"
-        u"$XDG_DATA_HOME/tolmerkvarn.eventtimer/suite.json."_s);
-    const QCommandLineOption help(QStringList{u"h"_s, u"help"_s}, u"Show this help."_s);
-    const QCommandLineOption version(u"version"_s, u"Show the version."_s);
-    parser.addOptions({help, version});
-    if (!parser.parse(arguments) || !parser.positionalArguments().isEmpty()) {
-        const QString problem =
-            parser.errorText().isEmpty()
-                ? u"unexpected argument "_s + parser.positionalArguments().first()
-                : parser.errorText();
-        std::fprintf(stderr, "eventtimer: %s\nUsage: eventtimer [--help | --version]\n",
-                     qUtf8Printable(problem));
-        return 2;
-    }
-    if (parser.isSet(help)) {
-        std::printf("Usage: eventtimer [--help | --version]\n\n%s\n\nOptions:\n"
-                    "  -h, --help  Show this help.\n  --version   Show the version.\n",
-                    qUtf8Printable(parser.applicationDescription()));
-        return 0;
-    }
-    if (parser.isSet(version)) {
-        std::printf("eventtimer %s\n", EVENTTIMER_VERSION);
-        return 0;
-    }
-    return -1;
-}
 
 // EVENTTIMER_NOW=2026-11-22T23:58:00 starts the clock at that local time (for rehearsing a
 // reminder or the change of day); it runs on from there.
@@ -72,9 +33,17 @@ std::chrono::milliseconds clockShift()
 
 int main(int argc, char *argv[])
 {
-    if (const int status = answerCommandLine(argc, argv); status >= 0)
-        return status;
+    // Help, the version and a wrong argument are answered before anything needs a display.
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const eventtimer::CommandLine commandLine = eventtimer::CommandLine::parse(arguments);
+    std::fputs(qUtf8Printable(commandLine.out), stdout);
+    std::fputs(qUtf8Printable(commandLine.err), stderr);
+    if (commandLine.exitStatus >= 0)
+        return commandLine.exitStatus;
 
+    // Takes Qt's own options off the command line.
     QApplication application(argc, argv);
     QApplication::setOrganizationName(u"tolmerkvarn"_s);
     QApplication::setApplicationName(u"eventtimer"_s);
@@ -85,8 +54,12 @@ int main(int argc, char *argv[])
 
     eventtimer::SingleInstance instance(u"org.tolmerkvarn.eventtimer"_s);
     if (!instance.claim()) {
-        if (instance.activateFirst())
+        if (instance.activateFirst()) {
+            std::fputs("eventtimer: Event Timer is running already and was brought to the front; "
+                       "this start's options and environment are not used\n",
+                       stderr);
             return 0;
+        }
         std::fprintf(stderr, "eventtimer: another Event Timer holds the lock but does not "
                              "answer\n");
         return 1;
@@ -97,10 +70,12 @@ int main(int argc, char *argv[])
                      &eventtimer::AppDelegate::applicationWillTerminate);
 
     eventtimer::SystemClock clock(clockShift());
-    eventtimer::EventTimer program(clock);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    eventtimer::EventTimer program(clock, out, err);
     QObject::connect(&instance, &eventtimer::SingleInstance::activationRequested, &program.window(),
                      &eventtimer::TimetableWindow::bringToFront);
-    program.show();
+    program.show(commandLine.hidden);
     delegate.applicationDidFinishLaunching();
     return QApplication::exec();
 }

@@ -44,6 +44,14 @@ QDBusArgument imageData(const QImage &icon)
     return argument;
 }
 
+// The body as markup that reads as the text: only these three mean something there.
+QString markupEscaped(const QString &text)
+{
+    QString escaped = text;
+    escaped.replace(u'&', u"&amp;"_s).replace(u'<', u"&lt;"_s).replace(u'>', u"&gt;"_s);
+    return escaped;
+}
+
 } // namespace
 
 Notifier::Notifier(QDBusConnection bus, QObject *parent)
@@ -67,7 +75,32 @@ void Notifier::notify(const Notification &notification)
             this, [this, notification] { Q_EMIT undelivered(notification); }, Qt::QueuedConnection);
         return;
     }
+    m_waiting.append(notification);
+    if (m_capabilities) {
+        send(m_waiting.takeFirst());
+        return;
+    }
+    if (m_waiting.size() > 1)
+        return; // asked already
+    const QDBusMessage ask =
+        QDBusMessage::createMethodCall(service, path, interface, u"GetCapabilities"_s);
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(ask), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher *finished) {
+                finished->deleteLater();
+                const QDBusPendingReply<QStringList> reply = *finished;
+                // Without an answer they go as plain text, and most likely come back; the
+                // next notification asks again.
+                if (!reply.isError())
+                    m_capabilities = reply.value();
+                const QList<Notification> waiting = std::exchange(m_waiting, {});
+                for (const Notification &next : waiting)
+                    send(next);
+            });
+}
 
+void Notifier::send(const Notification &notification)
+{
     const QStringList actions =
         notification.chatLink
             ? QStringList{defaultAction, u"Copy chat link"_s, copyAction, u"Copy chat link"_s}
@@ -78,8 +111,10 @@ void Notifier::notify(const Notification &notification)
         hints.insert(u"image-data"_s, QVariant::fromValue(imageData(notification.image)));
 
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, u"Notify"_s);
-    call << u"Event Timer"_s << uint{0} << desktopEntry << notification.summary << notification.body
-         << actions << hints << -1;
+    const bool markup = m_capabilities && m_capabilities->contains(u"body-markup"_s);
+    call << u"Event Timer"_s << uint{0} << desktopEntry << notification.summary
+         << (markup ? markupEscaped(notification.body) : notification.body) << actions << hints
+         << -1;
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this, notification](QDBusPendingCallWatcher *finished) {

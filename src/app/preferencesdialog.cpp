@@ -1,5 +1,6 @@
 #include "app/preferencesdialog.h"
 
+#include "app/autostart.h"
 #include "model/reminderchoices.h"
 
 #include <QDialogButtonBox>
@@ -11,9 +12,11 @@ using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
-PreferencesDialog::PreferencesDialog(ReminderChoices &choices, QWidget *parent)
+PreferencesDialog::PreferencesDialog(ReminderChoices &choices, const Autostart &autostart,
+                                     QWidget *parent)
     : QDialog(parent)
     , m_choices(choices)
+    , m_autostart(autostart)
 {
     setWindowTitle(u"Reminder Preferences"_s);
     auto *layout = new QVBoxLayout(this);
@@ -38,6 +41,10 @@ PreferencesDialog::PreferencesDialog(ReminderChoices &choices, QWidget *parent)
     layout->addWidget(m_marked);
     layout->addWidget(hint);
 
+    m_startAtLogin = new QCheckBox(u"&Start at login, without the window"_s, this);
+    m_startAtLogin->setChecked(m_autostart.isEnabled());
+    layout->addWidget(m_startAtLogin);
+
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     m_remove = buttons->addButton(u"&Remove"_s, QDialogButtonBox::ActionRole);
     layout->addWidget(buttons);
@@ -55,7 +62,17 @@ PreferencesDialog::PreferencesDialog(ReminderChoices &choices, QWidget *parent)
     connect(m_marked, &QListWidget::itemSelectionChanged, this,
             [this] { m_remove->setEnabled(!m_marked->selectedItems().isEmpty()); });
     connect(&m_choices, &ReminderChoices::changed, this, &PreferencesDialog::showChoices);
+    connect(m_startAtLogin, &QCheckBox::clicked, this, [this](bool start) {
+        Q_EMIT startAtLoginRequested(start);
+        m_startAtLogin->setChecked(m_autostart.isEnabled());
+    });
     showChoices();
+}
+
+void PreferencesDialog::showEvent(QShowEvent *event)
+{
+    m_startAtLogin->setChecked(m_autostart.isEnabled());
+    QDialog::showEvent(event);
 }
 
 void PreferencesDialog::showChoices()

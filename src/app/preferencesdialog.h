@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCheckBox>
 #include <QDialog>
 #include <QListWidget>
 #include <QPushButton>
@@ -7,28 +8,40 @@
 
 namespace eventtimer {
 
+class Autostart;
 class ReminderChoices;
 
-// The reminder preferences: how many minutes ahead, and the marked events, which can be
-// removed here. Every change takes effect at once.
+// The reminder preferences: how many minutes ahead, the marked events, which can be removed
+// here, and whether the program starts at login. Every change takes effect at once.
 class PreferencesDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    explicit PreferencesDialog(ReminderChoices &choices, QWidget *parent = nullptr);
+    PreferencesDialog(ReminderChoices &choices, const Autostart &autostart,
+                      QWidget *parent = nullptr);
 
     QSpinBox *leadMinutes() const { return m_lead; }
     QListWidget *markedEvents() const { return m_marked; }
     QPushButton *removeButton() const { return m_remove; }
+    QCheckBox *startAtLogin() const { return m_startAtLogin; }
+
+Q_SIGNALS:
+    void startAtLoginRequested(bool start);
+
+protected:
+    // The autostart file may have been changed by hand since the dialog was last open.
+    void showEvent(QShowEvent *event) override;
 
 private:
     void showChoices();
 
     ReminderChoices &m_choices;
+    const Autostart &m_autostart;
     QSpinBox *m_lead = nullptr;
     QListWidget *m_marked = nullptr;
     QPushButton *m_remove = nullptr;
+    QCheckBox *m_startAtLogin = nullptr;
 };
 
 } // namespace eventtimer

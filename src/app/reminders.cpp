@@ -3,6 +3,7 @@
 #include "data/remindersettings.h"
 #include "data/settingsstore.h"
 #include "model/clock.h"
+#include "model/oneline.h"
 
 using namespace Qt::StringLiterals;
 
@@ -69,6 +70,16 @@ void Reminders::announce(const Reminder &reminder)
     if (reminder.event->icon)
         notification.image = reminder.event->icon->image();
     notification.chatLink = reminder.event->chatLink;
+    notify(notification);
+}
+
+void Reminders::tell(const QString &summary, const QString &body)
+{
+    notify({summary, body, {}, std::nullopt});
+}
+
+void Reminders::notify(const Notification &notification)
+{
     if (!m_notifier) {
         m_notifier = std::make_unique<Notifier>(m_bus.value_or(QDBusConnection::sessionBus()));
         connect(m_notifier.get(), &Notifier::copyRequested, this, &Reminders::copyRequested);
@@ -83,8 +94,8 @@ void Reminders::announceElsewhere(const Notification &notification)
         m_tray->showMessage(notification.summary, notification.body);
         return;
     }
-    m_err << "eventtimer: reminder: " << notification.summary << " (" << notification.body << ')'
-          << Qt::endl;
+    m_err << "eventtimer: reminder: " << oneLine(notification.summary) << " ("
+          << oneLine(notification.body) << ')' << Qt::endl;
 }
 
 void Reminders::showNext()

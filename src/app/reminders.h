@@ -45,6 +45,10 @@ public:
     // Shows the next reminder in its tooltip, and takes messages no service took.
     void setTray(QSystemTrayIcon *tray);
 
+    // A word from the program itself, the way reminders go: a notification, else the tray's
+    // message, else a line on the error stream.
+    void tell(const QString &summary, const QString &body);
+
 Q_SIGNALS:
     // The player chose "Copy chat link" on a notification.
     void copyRequested(const QString &link);
@@ -53,6 +57,7 @@ private:
     void replan();
     void save();
     void announce(const Reminder &reminder);
+    void notify(const Notification &notification);
     void announceElsewhere(const Notification &notification);
     void showNext();
 

@@ -1,21 +1,24 @@
 #include "app/tray.h"
 
+#include "app/autostart.h"
 #include "app/reminders.h"
 #include "app/timetablewindow.h"
 #include "data/settingsstore.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
-Tray::Tray(TimetableWindow &window, Reminders &reminders, SettingsStore &settings, QObject *parent)
+Tray::Tray(TimetableWindow &window, Reminders &reminders, SettingsStore &settings,
+           const Autostart &autostart, QObject *parent)
     : QObject(parent)
     , m_window(window)
     , m_reminders(reminders)
     , m_settings(settings)
+    , m_autostart(autostart)
 {}
 
 void Tray::setUp()
@@ -30,10 +33,16 @@ void Tray::setUp()
         else
             m_window.bringToFront();
     });
-    connect(menu, &QMenu::aboutToShow, this,
-            [this, showHide] { showHide->setText(m_window.isVisible() ? u"Hide"_s : u"Show"_s); });
     menu->addAction(u"Reload"_s, this, [this] { Q_EMIT reloadRequested(); });
     menu->addAction(u"Preferences\u2026"_s, this, [this] { Q_EMIT preferencesRequested(); });
+    QAction *atLogin = menu->addAction(u"Start at login"_s);
+    atLogin->setCheckable(true);
+    connect(atLogin, &QAction::triggered, this, &Tray::startAtLoginRequested);
+    // What the menu shows is read when it opens: the autostart file may have been removed by hand.
+    connect(menu, &QMenu::aboutToShow, this, [this, showHide, atLogin] {
+        showHide->setText(m_window.isVisible() ? u"Hide"_s : u"Show"_s);
+        atLogin->setChecked(m_autostart.isEnabled());
+    });
     menu->addSeparator();
     menu->addAction(u"Quit"_s, qApp, &QCoreApplication::quit);
     m_icon->setContextMenu(menu);
@@ -42,11 +51,6 @@ void Tray::setUp()
                 if (why == QSystemTrayIcon::Trigger)
                     m_window.isVisible() ? m_window.hide() : m_window.bringToFront();
             });
-    // The reminders go on from the tray while the window is closed.
-    m_window.setHideOnClose(
-        [this] { return m_icon && m_icon->isVisible() && m_reminders.choices().hasMarks(); });
-    connect(&m_window, &TimetableWindow::hiddenOnClose, this, &Tray::explainOnce);
-    QApplication::setQuitOnLastWindowClosed(false);
     m_reminders.setTray(m_icon);
     m_icon->show();
 }

@@ -5,7 +5,7 @@
 namespace eventtimer {
 
 WindowPlacement placeWindow(const QRect &saved, const QList<QRect> &screens, QSize minimum,
-                            QSize preferred)
+                            QSize preferred, bool placeable)
 {
     QRect area = screens.value(0);
     if (area.isEmpty())
@@ -23,7 +23,7 @@ WindowPlacement placeWindow(const QRect &saved, const QList<QRect> &screens, QSi
         placed.moveTopLeft(QPoint(
             std::clamp(placed.left(), area.left(), area.left() + area.width() - placed.width()),
             std::clamp(placed.top(), area.top(), area.top() + area.height() - placed.height())));
-    return {placed, saved.isValid()};
+    return {placed, placeable && saved.isValid()};
 }
 
 } // namespace eventtimer

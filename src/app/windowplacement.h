@@ -18,8 +18,9 @@ struct WindowPlacement
 // there are now (their available areas; the first is the one a window opens on by default).
 // A place on a screen that is gone moves to the screen the window opens on; a size larger than
 // the screen is cut to it and one smaller than minimum grows to it; whatever sticks out is
-// moved in. A first start takes preferred, within the screen.
+// moved in. A first start takes preferred, within the screen. Where the window system places
+// windows itself (Wayland), only the size is taken.
 WindowPlacement placeWindow(const QRect &saved, const QList<QRect> &screens, QSize minimum,
-                            QSize preferred);
+                            QSize preferred, bool placeable = true);
 
 } // namespace eventtimer

@@ -1,6 +1,7 @@
 #include "data/remindersettings.h"
 
 #include "data/settingsstore.h"
+#include "model/oneline.h"
 
 #include <QSet>
 
@@ -45,7 +46,7 @@ void reportUnknownMarks(const ReminderChoices &choices, const SectionList &secti
     QStringList unknown;
     for (const QString &name : choices.marked())
         if (!known.contains(name))
-            unknown.append(u'"' + name + u'"');
+            unknown.append(u'"' + oneLine(name) + u'"');
     if (!unknown.isEmpty())
         err << "eventtimer: reminders: no event of the event document is named "
             << unknown.join(u", "_s) << "; kept, but nothing to remind of" << Qt::endl;

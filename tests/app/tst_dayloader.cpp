@@ -125,8 +125,9 @@ private:
                        program.days().shownDay()->day);
     }
 
-    QString m_errorText;
-    QTextStream m_errors{&m_errorText};
+    QString m_said;
+    QTextStream m_output{&m_said};
+    QTextStream m_errors{&m_said};
 
 private Q_SLOTS:
     void initTestCase()
@@ -206,7 +207,7 @@ private Q_SLOTS:
         QFETCH(QString, status);
         ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(23, 59), QTimeZone::utc()),
                           QTimeZone::utc());
-        EventTimer program(clock);
+        EventTimer program(clock, m_output, m_errors);
         if (occasion != Occasion::Start) {
             prepare(Condition::Ok, clock.now(), false);
             program.show();
@@ -255,7 +256,7 @@ private Q_SLOTS:
         QFETCH(QDate, next);
         prepare(Condition::Ok, start, false);
         ManualClock clock(start, start.timeZone());
-        EventTimer program(clock);
+        EventTimer program(clock, m_output, m_errors);
         program.reminders().setBus(QDBusConnection(u"none"_s));
         program.reminders().choices().assign({u"A"_s}, 1);
         QStringList heard;

@@ -1,3 +1,4 @@
+#include "app/commandline.h"
 #include "app/eventtimer.h"
 #include "app/preferencesdialog.h"
 #include "app/windowplacement.h"
@@ -7,6 +8,8 @@
 
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -45,6 +48,10 @@ private:
     const QString m_document = EventService::documentPath.toString();
     ManualClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
                         QTimeZone::utc()};
+    QString m_output;
+    QString m_errors;
+    QTextStream m_out{&m_output};
+    QTextStream m_err{&m_errors};
 
 private Q_SLOTS:
     void initTestCase()
@@ -60,35 +67,63 @@ private Q_SLOTS:
 
     void commandLines_data()
     {
-        QTest::addColumn<QString>("argument");
-        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("status"); // -1: the program starts
+        QTest::addColumn<bool>("hidden");
         // What standard output starts with, or standard error when the status is not 0.
         QTest::addColumn<QString>("output");
-        QTest::newRow("--help") << u"--help"_s << 0 << u"Usage: eventtimer"_s;
-        QTest::newRow("--version") << u"--version"_s << 0 << u"eventtimer 0."_s;
-        QTest::newRow("an unknown option") << u"--frobnicate"_s << 2 << u"eventtimer: "_s;
-        QTest::newRow("an argument") << u"x"_s << 2 << u"eventtimer: unexpected argument x\n"_s;
+        QTest::newRow("none") << QStringList() << -1 << false << QString();
+        QTest::newRow("--hidden") << QStringList{u"--hidden"_s} << -1 << true << QString();
+        QTest::newRow("Qt's own") << QStringList{u"-style"_s,
+                                                 u"Fusion"_s,
+                                                 u"-platform"_s,
+                                                 u"offscreen"_s,
+                                                 u"-stylesheet=a.qss"_s,
+                                                 u"-reverse"_s,
+                                                 u"-qwindowgeometry"_s,
+                                                 u"800x600+0+0"_s}
+                                  << -1 << false << QString();
+        QTest::newRow("Qt's with two dashes, and ours")
+            << QStringList{u"--platform"_s, u"offscreen"_s, u"--hidden"_s, u"-widgetcount"_s} << -1
+            << true << QString();
+        QTest::newRow("--help") << QStringList{u"--help"_s} << 0 << false << u"Usage: eventtimer"_s;
+        QTest::newRow("--version")
+            << QStringList{u"--version"_s} << 0 << false << u"eventtimer 0."_s;
+        QTest::newRow("unknown") << QStringList{u"-style"_s, u"Fusion"_s, u"--frobnicate"_s} << 2
+                                 << false << u"eventtimer: Unknown option 'frobnicate'.\nUsage: "_s;
+        QTest::newRow("Qt's without its value")
+            << QStringList{u"-platform"_s} << 2 << false << u"eventtimer: Unknown option"_s;
+        QTest::newRow("an argument")
+            << QStringList{u"x"_s} << 2 << false << u"eventtimer: unexpected argument x\n"_s;
     }
 
     void commandLines()
     {
-        QFETCH(QString, argument);
+        QFETCH(QStringList, arguments);
         QFETCH(int, status);
+        QFETCH(bool, hidden);
         QFETCH(QString, output);
+        const CommandLine line = CommandLine::parse(arguments);
+        QCOMPARE(line.exitStatus, status);
+        QCOMPARE(line.hidden, hidden);
+        QVERIFY2((status == 2 ? line.err : line.out).startsWith(output), qPrintable(line.err));
+        if (status < 0)
+            return;
+        // Answered by the program itself before it needs a display.
         QProcess process;
-        start(process, {argument});
+        start(process, arguments);
         QVERIFY(process.waitForFinished(30000));
         QCOMPARE(process.exitCode(), status);
-        const QByteArray written =
-            status == 0 ? process.readAllStandardOutput() : process.readAllStandardError();
-        QVERIFY2(written.startsWith(output.toUtf8()), written.constData());
+        QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()), line.out);
+        QCOMPARE(QString::fromUtf8(process.readAllStandardError()), line.err);
     }
 
     void oneProgramPerUser()
     {
         QTemporaryDir home;
         QProcess first, second, third;
-        start(first, {}, home.path());
+        // Qt's own options are Qt's.
+        start(first, {u"-style"_s, u"Fusion"_s, u"-reverse"_s, u"--hidden"_s}, home.path());
         QTRY_VERIFY_WITH_TIMEOUT(
             QFile::exists(home.filePath(u"org.tolmerkvarn.eventtimer.socket"_s)), 10000);
 
@@ -96,6 +131,7 @@ private Q_SLOTS:
         start(second, {}, home.path());
         QVERIFY(second.waitForFinished(10000));
         QCOMPARE(second.exitCode(), 0);
+        QVERIFY(second.readAllStandardError().contains("was brought to the front"));
         QCOMPARE(first.state(), QProcess::Running);
 
         // A first program that crashed leaves its lock and socket: the next start takes over, and
@@ -113,7 +149,7 @@ private Q_SLOTS:
         m_service.setBehaviour(m_document, {.delayMs = 300});
         QElapsedTimer gone;
         {
-            EventTimer program(m_clock);
+            EventTimer program(m_clock, m_out, m_err);
             program.show();
             QVERIFY(program.controller().statusMessage()->isVisible());
             QVERIFY(program.controller().statusMessage()->text().startsWith(
@@ -146,20 +182,25 @@ private Q_SLOTS:
         QTest::addColumn<QRect>("saved");
         QTest::addColumn<QRect>("opened");
         QTest::addColumn<bool>("placed");
+        QTest::addColumn<bool>("placeable");
         // Two screens side by side; the first is where a window opens by default.
         QTest::newRow("first start: as large as fits")
-            << QRect() << QRect(0, 0, 1000, 800) << false;
+            << QRect() << QRect(0, 0, 1000, 800) << false << true;
         QTest::newRow("where it was")
-            << QRect(100, 50, 650, 400) << QRect(100, 50, 650, 400) << true;
+            << QRect(100, 50, 650, 400) << QRect(100, 50, 650, 400) << true << true;
         QTest::newRow("on the second screen")
-            << QRect(1200, 50, 650, 400) << QRect(1200, 50, 650, 400) << true;
+            << QRect(1200, 50, 650, 400) << QRect(1200, 50, 650, 400) << true << true;
         QTest::newRow("screen gone")
-            << QRect(5000, 5000, 700, 400) << QRect(300, 400, 700, 400) << true;
-        QTest::newRow("too large") << QRect(-50, 20, 2000, 400) << QRect(0, 20, 1000, 400) << true;
+            << QRect(5000, 5000, 700, 400) << QRect(300, 400, 700, 400) << true << true;
+        QTest::newRow("too large")
+            << QRect(-50, 20, 2000, 400) << QRect(0, 20, 1000, 400) << true << true;
         QTest::newRow("too small")
-            << QRect(300, 300, 100, 100) << QRect(300, 300, 640, 360) << true;
+            << QRect(300, 300, 100, 100) << QRect(300, 300, 640, 360) << true << true;
         QTest::newRow("sticking out of its screen")
-            << QRect(1500, 500, 640, 400) << QRect(1360, 400, 640, 400) << true;
+            << QRect(1500, 500, 640, 400) << QRect(1360, 400, 640, 400) << true << true;
+        // Wayland places windows itself: only the size is taken.
+        QTest::newRow("Wayland") << QRect(100, 50, 650, 400) << QRect(100, 50, 650, 400) << false
+                                 << false;
     }
 
     void placesTheWindowWithinTheScreens()
@@ -167,29 +208,53 @@ private Q_SLOTS:
         QFETCH(QRect, saved);
         QFETCH(QRect, opened);
         QFETCH(bool, placed);
+        QFETCH(bool, placeable);
         const WindowPlacement placement =
             placeWindow(saved, {QRect(0, 0, 1000, 800), QRect(1000, 0, 1000, 800)}, QSize(640, 360),
-                        QSize(1280, 800));
+                        QSize(1280, 800), placeable);
         QCOMPARE(placement.geometry, opened);
         QCOMPARE(placement.placed, placed);
     }
 
-    void opensWhereItWasClosed()
+    // Closed while events are marked, it goes on reminding, hidden, and says once how to get
+    // the window back (no tray here); otherwise closing ends it.
+    void closesWhereItWas_data()
     {
+        QTest::addColumn<QStringList>("marked");
+        QTest::newRow("nothing marked") << QStringList();
+        QTest::newRow("events marked") << QStringList{u"A"_s};
+    }
+
+    void closesWhereItWas()
+    {
+        QFETCH(QStringList, marked);
+        m_errors.clear();
         {
-            EventTimer program(m_clock);
+            EventTimer program(m_clock, m_out, m_err);
+            program.reminders().setBus(QDBusConnection(u"none"_s));
+            program.reminders().choices().assign(marked, 5);
+            program.window().show();
             program.window().setGeometry(120, 80, 660, 410);
-            program.window().close();
+            for (int close = 0; close < 2; ++close) {
+                program.window().show();
+                QCOMPARE(program.window().close(), marked.isEmpty());
+                QVERIFY(!program.window().isVisible());
+            }
+            QTRY_COMPARE(m_errors.count(u"Start Event Timer again to see the window."_s),
+                         marked.isEmpty() ? 0 : 1);
         }
-        EventTimer next(m_clock);
+        EventTimer next(m_clock, m_out, m_err);
         QCOMPARE(next.window().geometry(), QRect(120, 80, 660, 410));
     }
 
-    void preferencesChangeTheChoicesAtOnce()
+    // Every change takes effect at once.
+    void preferences()
     {
         ReminderChoices choices;
         choices.assign({u"Tide"_s, u"Storm"_s}, 5);
-        PreferencesDialog dialog(choices);
+        // A program whose path needs quoting in the autostart entry.
+        Autostart autostart(u"/opt/Event Timer/eventtimer"_s);
+        PreferencesDialog dialog(choices, autostart);
         QCOMPARE(dialog.leadMinutes()->value(), 5);
         dialog.markedEvents()->item(0)->setSelected(true);
         dialog.removeButton()->click();
@@ -197,6 +262,27 @@ private Q_SLOTS:
         QCOMPARE(dialog.markedEvents()->item(0)->text(), u"Tide"_s);
         dialog.leadMinutes()->setValue(61);
         QCOMPARE(choices.leadMinutes(), 60);
+
+        QVERIFY(!dialog.startAtLogin()->isChecked());
+        QSignalSpy asked(&dialog, &PreferencesDialog::startAtLoginRequested);
+        connect(&dialog, &PreferencesDialog::startAtLoginRequested, this,
+                [&](bool start) { QVERIFY(autostart.setEnabled(start)); });
+        dialog.startAtLogin()->click();
+        QCOMPARE(asked.size(), 1);
+        QVERIFY(autostart.isEnabled() && dialog.startAtLogin()->isChecked());
+        QFile entry(Autostart::standardPath());
+        QVERIFY(entry.open(QIODevice::ReadOnly));
+        QVERIFY(entry.readAll().contains("\nExec=\"/opt/Event Timer/eventtimer\" --hidden\n"));
+        const QString validator = QStandardPaths::findExecutable(u"desktop-file-validate"_s);
+        if (!validator.isEmpty())
+            QCOMPARE(QProcess::execute(validator, {Autostart::standardPath()}), 0);
+
+        // Removed by hand: off, and shown so when the dialog opens again.
+        QVERIFY(QFile::remove(Autostart::standardPath()));
+        dialog.hide();
+        dialog.show();
+        QVERIFY(!dialog.startAtLogin()->isChecked());
+        QVERIFY(autostart.setEnabled(false));
     }
 };
 

@@ -21,6 +21,12 @@ class TestNotifier : public QObject
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
 
 public Q_SLOTS:
+    QStringList GetCapabilities()
+    {
+        ++m_asked;
+        return m_capabilities;
+    }
+
     uint Notify(const QString &, uint, const QString &, const QString &, const QString &,
                 const QStringList &, const QVariantMap &hints, int, const QDBusMessage &message)
     {
@@ -52,6 +58,8 @@ private:
     // Each call's arguments, the hints as a map, and the image-data hint read back: null when
     // it is missing or not laid out as (iiibiiay) with 8-bit RGBA rows.
     QList<std::pair<QVariantList, QImage>> m_received;
+    QStringList m_capabilities{u"body"_s, u"actions"_s};
+    int m_asked = 0;
 
 private Q_SLOTS:
     void initTestCase()
@@ -157,6 +165,34 @@ private Q_SLOTS:
         // Signals arrive in order: once the last one's link is copied, the first was handled.
         emitSignal(u"ActionInvoked"_s, last, u"copy"_s);
         QTRY_COMPARE(copied, (copies ? QStringList{*link, u"last"_s} : QStringList{u"last"_s}));
+    }
+
+    // A name reaches a server that reads markup as the text it is.
+    void bodyIsMarkupOnlyWhereTheServerReadsIt_data()
+    {
+        QTest::addColumn<QStringList>("capabilities");
+        QTest::addColumn<QString>("body");
+        QTest::newRow("plain") << QStringList{u"body"_s} << u"Tide & Reef <b>x</b>, 12:05"_s;
+        QTest::newRow("markup") << QStringList{u"body"_s, u"body-markup"_s}
+                                << u"Tide &amp; Reef &lt;b&gt;x&lt;/b&gt;, 12:05"_s;
+    }
+
+    void bodyIsMarkupOnlyWhereTheServerReadsIt()
+    {
+        QFETCH(QStringList, capabilities);
+        QFETCH(QString, body);
+        m_capabilities = capabilities;
+        m_received.clear();
+        m_asked = 0;
+        Notifier notifier(*m_clientBus);
+        const QString summary = u"A & <i>B</i> in 5 min"_s;
+        notifier.notify({summary, u"Tide & Reef <b>x</b>, 12:05"_s, {}, std::nullopt});
+        notifier.notify({summary, u"Tide & Reef <b>x</b>, 12:05"_s, {}, std::nullopt});
+        QTRY_COMPARE(m_received.size(), 2);
+        for (const auto &[call, image] : std::as_const(m_received))
+            QCOMPARE(call.mid(3, 2), (QVariantList{summary, body}));
+        QCOMPARE(m_asked, 1);
+        m_capabilities = {u"body"_s};
     }
 
     void handsBackWhatNoServiceTook_data()
