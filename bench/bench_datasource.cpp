@@ -144,8 +144,7 @@ SectionList BenchDataSource::load(UrlLoader &loader)
 {
     QString output;
     QTextStream out(&output);
-    QSettings file(m_folder.filePath(u"eventtimer.conf"_s), QSettings::IniFormat);
-    const SettingsStore settings(file, out);
+    const SettingsStore settings(m_folder.filePath(u"eventtimer.conf"_s), out);
     CacheFolder cache(m_cachePath, out);
     ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
                       QTimeZone::utc());

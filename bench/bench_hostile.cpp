@@ -49,11 +49,10 @@ QByteArray png(int width, int height)
 int start(const QString &cachePath, const QString &service)
 {
     QTemporaryDir config;
-    QSettings file(config.filePath(u"eventtimer.conf"_s), QSettings::IniFormat);
-    file.setValue(settingskeys::serviceUrl.toString(), service);
     QString output;
     QTextStream out(&output);
-    const SettingsStore settings(file, out);
+    SettingsStore settings(config.filePath(u"eventtimer.conf"_s), out);
+    settings.write({{settingskeys::serviceUrl, service}});
     CacheFolder cache(cachePath, out);
     UrlLoader loader;
     ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),

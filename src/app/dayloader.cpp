@@ -54,6 +54,13 @@ void DayLoader::reload()
     load(Occasion::Reload);
 }
 
+void DayLoader::followSettings()
+{
+    if (m_controller)
+        m_controller->setWikiPageUrl(
+            m_parts.settings.value(settingskeys::wikiPageUrl).toString().trimmed());
+}
+
 void DayLoader::load(Occasion occasion)
 {
     // A load already under way gives way to this one.
@@ -131,9 +138,12 @@ void DayLoader::show(Occasion occasion, DayData day)
     if (publishing)
         connect(controller, &ViewController::timetableBuilt, this, [this, day] { publish(day); });
     m_shown = day;
-    controller->loadDidFinish(day.sections, day.followingDay,
-                              day.problem && day.sections.isEmpty() ? day.problem->text()
-                                                                    : QString());
+    // An empty timetable says why, where the address is set, and how to try again.
+    const QString why = day.problem && day.sections.isEmpty()
+                            ? day.problem->text() + u"\nThe address is event_service_url in "_s +
+                                  m_parts.settings.fileName() + u"; F5 tries again."_s
+                            : QString();
+    controller->loadDidFinish(day.sections, day.followingDay, why);
     if (previous)
         m_parts.window.showTimetable(controller->view());
     // A window in the tray builds the new day's timetable all the same: it keeps the time, the

@@ -59,6 +59,9 @@ public:
     void start();
     // Downloads the document again, whatever its age.
     void reload();
+    // The settings file changed: the timetable shown takes what it uses of it. (The address is
+    // read at every load.)
+    void followSettings();
 
     // Whether a load is under way.
     bool isLoading() const { return m_source != nullptr; }

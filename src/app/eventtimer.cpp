@@ -14,17 +14,25 @@ EventTimer::EventTimer(Clock &clock, QTextStream &out, QTextStream &err, QObject
     : QObject(parent)
     , m_out(out)
     , m_err(err)
-    , m_settingsFile(SettingsStore::openStandard())
-    , m_settings(*m_settingsFile, m_err)
+    , m_settings(SettingsStore::standardPath(), m_err)
     , m_cache(CacheFolder::standardPath(), m_err)
     , m_reminders(m_settings, clock, m_err)
     , m_autostart(QCoreApplication::applicationFilePath())
-    , m_window(m_settings, m_err)
+    , m_window(m_settings)
     , m_tray(m_window, m_reminders, m_settings, m_autostart)
     , m_days(std::make_unique<DayLoader>(DayLoader::Parts{m_settings, m_cache, m_loader, clock,
                                                           m_out, m_err, m_reminders, m_window}))
 {
     connect(&m_window, &TimetableWindow::reloadRequested, this, &EventTimer::reload);
+    // The settings file is the truth: what is edited by hand while the program runs is taken,
+    // and a file whose changes cannot be kept is said under the timetable.
+    connect(&m_settings, &SettingsStore::changedOnDisk, m_days.get(), &DayLoader::followSettings);
+    const auto showSettingsProblem = [this](const QString &problem) {
+        m_window.showStatus(problem.isEmpty() ? QString() : u"Settings: "_s + problem,
+                            TimetableWindow::Topic::Settings);
+    };
+    connect(&m_settings, &SettingsStore::problemChanged, this, showSettingsProblem);
+    showSettingsProblem(m_settings.problem());
     connect(&m_window, &TimetableWindow::preferencesRequested, this, &EventTimer::showPreferences);
     connect(&m_tray, &Tray::reloadRequested, this, &EventTimer::reload);
     connect(&m_tray, &Tray::preferencesRequested, this, &EventTimer::showPreferences);
@@ -43,8 +51,16 @@ EventTimer::EventTimer(Clock &clock, QTextStream &out, QTextStream &err, QObject
 // The day's owner, and with it the timetable's views, goes before the window that holds them.
 EventTimer::~EventTimer() = default;
 
+void EventTimer::reload()
+{
+    // F5 asks the address the file holds now.
+    m_settings.reload();
+    m_days->reload();
+}
+
 void EventTimer::show(bool hidden)
 {
+    m_settings.watch();
     m_days->start();
     if (!hidden)
         m_window.open();

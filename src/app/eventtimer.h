@@ -37,7 +37,8 @@ public:
 
     // Loads today's timetable, and opens the window unless hidden.
     void show(bool hidden = false);
-    void reload() { m_days->reload(); }
+    // Loads again whatever the copy's age, from the address the settings file holds now.
+    void reload();
     void showPreferences();
     // Writes or removes the autostart entry; a failure is said in the window and on stderr.
     void setStartAtLogin(bool start);
@@ -55,7 +56,6 @@ private:
 
     QTextStream &m_out;
     QTextStream &m_err;
-    std::unique_ptr<QSettings> m_settingsFile;
     SettingsStore m_settings;
     CacheFolder m_cache;
     UrlLoader m_loader;

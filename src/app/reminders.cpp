@@ -16,11 +16,14 @@ Reminders::Reminders(SettingsStore &settings, Clock &clock, QTextStream &err, QO
     , m_err(err)
     , m_scheduler(clock)
 {
-    loadReminderChoices(m_settings, m_choices, m_err);
+    m_saved = readReminderSettings(m_settings, m_err);
+    m_choices.assign(m_saved.marked, m_saved.leadMinutes);
     connect(&m_choices, &ReminderChoices::changed, this, [this] {
-        save();
+        if (!m_following)
+            save();
         replan();
     });
+    connect(&m_settings, &SettingsStore::changedOnDisk, this, &Reminders::followFile);
     connect(&m_scheduler, &ReminderScheduler::remind, this, &Reminders::announce);
     connect(&m_scheduler, &ReminderScheduler::nextChanged, this, &Reminders::showNext);
 }
@@ -42,12 +45,29 @@ void Reminders::replan()
 
 void Reminders::save()
 {
-    const Status saved = saveReminderChoices(m_settings, m_choices);
-    // A damaged file was said when it was read; the choices then last until the program ends.
-    if (!saved && !m_saveFailureSaid && !m_settings.isDamaged()) {
-        m_saveFailureSaid = true;
-        m_err << "eventtimer: the reminder choices are not kept: " << saved.error() << Qt::endl;
-    }
+    // Only the player's change goes to the file, onto what it holds now; a failure is the
+    // store's to say, and the change lasts for the session.
+    const Result<ReminderSettings> saved =
+        writeReminderChanges(m_settings, m_saved, {m_choices.marked(), m_choices.leadMinutes()});
+    if (saved)
+        follow(saved.value());
+}
+
+void Reminders::followFile()
+{
+    const ReminderSettings read = readReminderSettings(m_settings, m_err);
+    if (read != m_saved)
+        follow(read);
+}
+
+void Reminders::follow(const ReminderSettings &file)
+{
+    m_saved = file;
+    if (file == ReminderSettings{m_choices.marked(), m_choices.leadMinutes()})
+        return;
+    m_following = true;
+    m_choices.assign(file.marked, file.leadMinutes);
+    m_following = false;
 }
 
 void Reminders::setBus(const QDBusConnection &bus)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/notifier.h"
+#include "data/remindersettings.h"
 #include "model/reminderchoices.h"
 #include "model/reminderplan.h"
 #include "model/reminderscheduler.h"
@@ -56,6 +57,9 @@ Q_SIGNALS:
 private:
     void replan();
     void save();
+    // The settings file was changed by hand: its choices are the player's.
+    void followFile();
+    void follow(const ReminderSettings &file);
     void announce(const Reminder &reminder);
     void notify(const Notification &notification);
     void announceElsewhere(const Notification &notification);
@@ -71,7 +75,9 @@ private:
     std::optional<QDBusConnection> m_bus;
     std::unique_ptr<Notifier> m_notifier;
     QPointer<QSystemTrayIcon> m_tray;
-    bool m_saveFailureSaid = false;
+    // What the settings file holds, as last read or written.
+    ReminderSettings m_saved;
+    bool m_following = false;
 };
 
 } // namespace eventtimer

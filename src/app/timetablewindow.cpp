@@ -21,19 +21,21 @@ constexpr QSize firstSize(1280, 800);
 
 } // namespace
 
-TimetableWindow::TimetableWindow(SettingsStore &settings, QTextStream &err, QWidget *parent)
+TimetableWindow::TimetableWindow(SettingsStore &settings, QWidget *parent)
     : QMainWindow(parent)
     , m_settings(settings)
-    , m_err(err)
 {
     setWindowTitle(u"Event Timer"_s);
     setMinimumSize(640, 360);
     m_stack = new QStackedWidget(this);
     setCentralWidget(m_stack);
-    m_status = new QLabel(this);
-    m_status->setTextFormat(Qt::PlainText);
     statusBar()->setSizeGripEnabled(false);
-    statusBar()->addWidget(m_status, 1);
+    for (QLabel **label : {&m_status, &m_settingsStatus}) {
+        *label = new QLabel(this);
+        (*label)->setTextFormat(Qt::PlainText);
+        (*label)->hide();
+        statusBar()->addWidget(*label, 1);
+    }
     statusBar()->hide();
     restorePlace();
     addKeys();
@@ -66,11 +68,13 @@ QWidget *TimetableWindow::showTimetable(QWidget *view)
     return shown;
 }
 
-void TimetableWindow::showStatus(const QString &text)
+void TimetableWindow::showStatus(const QString &text, Topic topic)
 {
-    m_status->setText(text);
-    m_status->setToolTip(text.toHtmlEscaped());
-    statusBar()->setVisible(!text.isEmpty());
+    QLabel *label = statusLine(topic);
+    label->setText(text);
+    label->setToolTip(text.toHtmlEscaped());
+    label->setVisible(!text.isEmpty());
+    statusBar()->setVisible(!m_status->text().isEmpty() || !m_settingsStatus->text().isEmpty());
 }
 
 void TimetableWindow::addKeys()
@@ -109,10 +113,9 @@ void TimetableWindow::savePlace()
 {
     if (m_settings.isDamaged())
         return; // said once when it was read, and left as it is
-    m_settings.setValue(settingskeys::windowGeometry, normalGeometry());
-    m_settings.setValue(settingskeys::windowMaximized, isMaximized());
-    if (const Status saved = m_settings.sync(); !saved)
-        m_err << "eventtimer: " << saved.error() << Qt::endl;
+    // A place that cannot be kept is said by the store.
+    m_settings.write({{settingskeys::windowGeometry, normalGeometry()},
+                      {settingskeys::windowMaximized, isMaximized()}});
 }
 
 void TimetableWindow::closeEvent(QCloseEvent *event)

@@ -4,7 +4,6 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QStackedWidget>
-#include <QTextStream>
 
 #include <functional>
 
@@ -20,8 +19,7 @@ class TimetableWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    // A place that cannot be kept is said on err.
-    TimetableWindow(SettingsStore &settings, QTextStream &err, QWidget *parent = nullptr);
+    explicit TimetableWindow(SettingsStore &settings, QWidget *parent = nullptr);
 
     // The window as it was last closed: maximized, or in its normal place.
     void open();
@@ -32,9 +30,19 @@ public:
     QWidget *showTimetable(QWidget *view);
     QWidget *timetable() const { return m_stack->currentWidget(); }
 
-    // A line under the timetable (why it was not updated, what is loading); empty hides it.
-    void showStatus(const QString &text);
-    QLabel *statusLine() const { return m_status; }
+    // What the status line under the timetable says of a topic: of the day, why it was not
+    // updated or what is loading; of the settings, why changes are not kept. Empty says nothing;
+    // the line shows while a topic has something to say.
+    enum class Topic
+    {
+        Day,
+        Settings
+    };
+    void showStatus(const QString &text, Topic topic = Topic::Day);
+    QLabel *statusLine(Topic topic = Topic::Day) const
+    {
+        return topic == Topic::Day ? m_status : m_settingsStatus;
+    }
 
     // Asked when the window is closed: true keeps the program running with the window hidden.
     void setHideOnClose(std::function<bool()> hideOnClose)
@@ -57,9 +65,9 @@ private:
     void savePlace();
 
     SettingsStore &m_settings;
-    QTextStream &m_err;
     QStackedWidget *m_stack = nullptr;
     QLabel *m_status = nullptr;
+    QLabel *m_settingsStatus = nullptr;
     std::function<bool()> m_hideOnClose;
 };
 

@@ -62,8 +62,7 @@ void Tray::explainOnce()
     m_icon->showMessage(u"Event Timer keeps reminding you"_s,
                         u"The window is closed; the reminders of the marked events go on from "
                         u"here. Quit from this icon's menu."_s);
-    m_settings.setValue(settingskeys::trayExplained, true);
-    m_settings.sync();
+    m_settings.write({{settingskeys::trayExplained, true}});
 }
 
 } // namespace eventtimer

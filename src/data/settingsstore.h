@@ -2,11 +2,17 @@
 
 #include "model/result.h"
 
+#include <QFileSystemWatcher>
+#include <QObject>
 #include <QSettings>
 #include <QStringView>
 #include <QTextStream>
+#include <QTimer>
 
+#include <initializer_list>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace eventtimer {
 
@@ -26,31 +32,55 @@ inline constexpr QStringView trayExplained = u"reminders/tray_explained";
 } // namespace settingskeys
 
 // The settings a user may edit, as plain INI text: $XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf.
-// A file that cannot be read is said once on the error stream and left exactly as it is:
-// nothing is written to it.
-class SettingsStore
+// The file is the truth: a change made by hand while the program runs is read (once watched),
+// and the program writes only the keys it means to change, reading the file again first, so
+// that what was edited by hand stays. (The INI writer keeps no comments.) A file that cannot be
+// read is said once and never written over; a write that fails is said once; either way the
+// program goes on with the change for as long as it runs.
+class SettingsStore : public QObject
 {
-public:
-    // The store over settings, which must use QSettings::IniFormat.
-    SettingsStore(QSettings &settings, QTextStream &err);
+    Q_OBJECT
 
-    static std::unique_ptr<QSettings> openStandard();
+public:
+    SettingsStore(QString fileName, QTextStream &err, QObject *parent = nullptr);
+    ~SettingsStore() override;
+
+    static QString standardPath();
 
     QVariant value(QStringView key) const;
-    // Ignored while the file is damaged.
-    void setValue(QStringView key, const QVariant &value);
-    // Puts what changed on disk.
-    Status sync();
+    // Changes these keys, and only these. A list without names is written as an empty value.
+    Status write(std::initializer_list<std::pair<QStringView, QVariant>> values);
 
-    bool isDamaged() const { return m_settings.status() != QSettings::NoError; }
-    QString fileName() const { return m_settings.fileName(); }
+    // Reads the file again, as it is now.
+    void reload();
+    // From now on, changes of the file by other programs are read, and said by changedOnDisk().
+    void watch();
+
+    bool isDamaged() const { return m_damagedText.has_value(); }
+    QString fileName() const { return m_fileName; }
+    // Why changes are not kept, in plain words; empty while they are.
+    const QString &problem() const { return m_problem; }
+
+Q_SIGNALS:
+    void changedOnDisk();
+    void problemChanged(const QString &problem);
 
 private:
-    void reportDamage();
+    void open();
+    void setProblem(const QString &problem);
+    void rewatch();
 
-    QSettings &m_settings;
+    QString m_fileName;
     QTextStream &m_err;
-    bool m_reported = false;
+    std::unique_ptr<QSettings> m_settings;
+    QString m_problem;
+    // The text of the file when it was found damaged.
+    std::optional<QByteArray> m_damagedText;
+    std::unique_ptr<QFileSystemWatcher> m_watcher;
+    // Editors write a file in several steps: it is read again once they are done.
+    QTimer m_settle;
+    // Our own writes change the file too; they are not news.
+    QByteArray m_written;
 };
 
 } // namespace eventtimer

@@ -135,8 +135,8 @@ private Q_SLOTS:
         for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
             qputenv(variable, m_home.filePath(QString::fromLatin1(variable)).toUtf8());
         QVERIFY(m_service.listen());
-        SettingsStore::openStandard()->setValue(settingskeys::serviceUrl.toString(),
-                                                m_service.baseUrl().toString());
+        QSettings(SettingsStore::standardPath(), QSettings::IniFormat)
+            .setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
     }
 
     void init()

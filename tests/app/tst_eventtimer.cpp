@@ -8,6 +8,7 @@
 
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QSaveFile>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -61,8 +62,8 @@ private Q_SLOTS:
         QVERIFY(m_service.listen());
         m_service.setDocument(R"([{"category": "C", "name": "S", "segments": {"0": {"name": "A"}},
             "sequences": {"partial": [], "pattern": [{"d": 60, "r": 0}]}}])");
-        SettingsStore::openStandard()->setValue(settingskeys::serviceUrl.toString(),
-                                                m_service.baseUrl().toString());
+        QSettings(SettingsStore::standardPath(), QSettings::IniFormat)
+            .setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
     }
 
     void commandLines_data()
@@ -214,6 +215,34 @@ private Q_SLOTS:
                         QSize(1280, 800), placeable);
         QCOMPARE(placement.geometry, opened);
         QCOMPARE(placement.placed, placed);
+    }
+
+    // The settings file is the truth while the program runs: a hand edit is taken, F5 asks the
+    // address it holds, and the program's own change keeps the edit.
+    void followsTheSettingsFile()
+    {
+        const QString path = SettingsStore::standardPath();
+        const QString base = m_service.baseUrl().toString();
+        EventTimer program(m_clock, m_out, m_err);
+        program.show();
+        QTRY_VERIFY(program.controller().isBuilt());
+        QSaveFile byHand(path); // as an editor saves: a new file in the old one's place
+        QVERIFY(byHand.open(QIODevice::WriteOnly));
+        byHand.write("[General]\nevent_service_url=" + base.toUtf8() +
+                     "/mirror\n[reminders]\nevents=A, B\nlead_minutes=10\n");
+        QVERIFY(byHand.commit());
+        QTRY_COMPARE(program.reminders().choices().marked(), (QStringList{u"A"_s, u"B"_s}));
+        QCOMPARE(program.reminders().choices().leadMinutes(), 10);
+
+        QTest::keyClick(&program.window(), Qt::Key_F5);
+        QTRY_COMPARE(m_service.requestCount(u"/mirror"_s + m_document), 1);
+        program.reminders().choices().setMarked(u"C"_s, true);
+        QSettings file(path, QSettings::IniFormat);
+        QCOMPARE(file.value(settingskeys::reminderEvents.toString()).toStringList(),
+                 (QStringList{u"A"_s, u"B"_s, u"C"_s}));
+        QCOMPARE(file.value(settingskeys::reminderLeadMinutes.toString()).toInt(), 10);
+        file.setValue(settingskeys::serviceUrl.toString(), base);
+        file.remove(u"reminders"_s);
     }
 
     // Closed while events are marked, it goes on reminding, hidden, and says once how to get

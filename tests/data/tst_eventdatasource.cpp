@@ -76,7 +76,8 @@ private:
     {
         QString output;
         QTextStream out(&output);
-        const SettingsStore settings(*m_settings, m_err);
+        m_settings->sync();
+        const SettingsStore settings(m_settings->fileName(), m_err);
         UrlLoader loader({std::chrono::milliseconds(timeoutMs), 1024 * 1024});
         EventDataSource source(settings, *m_cache, loader, m_clock, out, m_err);
         m_day = testing::loadDayNow(source);
