@@ -3,6 +3,7 @@
 #include "app/singleinstance.h"
 #include "app/timetablewindow.h"
 #include "model/clock.h"
+#include "version.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

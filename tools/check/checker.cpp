@@ -8,6 +8,7 @@
 #include "model/section.h"
 #include "model/sequenceitem.h"
 #include "model/sequencetime.h"
+#include "version.h"
 
 #include <QCommandLineParser>
 #include <QFile>

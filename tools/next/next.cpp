@@ -1,6 +1,7 @@
 #include "next/next.h"
 
 #include "data/suiteformat.h"
+#include "version.h"
 
 #include <QCommandLineParser>
 #include <QFile>
