@@ -1,7 +1,7 @@
 #include "app/preferencesdialog.h"
 #include "app/timetablewindow.h"
-#include "data/suiteformat.h"
 #include "eventservice/eventservice.h"
+#include "suite/suiteformat.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -323,7 +323,8 @@ void writeExport(QTextStream &out, QTextStream &err, const ParsedDocument &parse
     err.flush();
     // The same road as the window's export: the day's chat-link occurrences of the sections in
     // their list order, written as the suite file holds them.
-    out << QString::fromUtf8(suiteJson(globalSequence(parsed.sections, day.zone), day.now));
+    out << QString::fromUtf8(
+        suiteText(sharedSuite(globalSequence(parsed.sections, day.zone), day.now)));
 }
 
 } // namespace
