@@ -1,6 +1,7 @@
 #include "check/checker.h"
 
 #include "data/suiteexport.h"
+#include "model/documentjson.h"
 #include "model/documentparser.h"
 #include "model/event.h"
 #include "model/globalsequence.h"
@@ -15,7 +16,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QJsonParseError>
 
 #include <algorithm>
 
@@ -123,17 +123,16 @@ Result<QJsonArray> readDocument(const QString &path)
     if (file.error() != QFileDevice::NoError)
         return Error{u"cannot read \""_s + path + u"\": "_s + file.errorString()};
 
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
-    if (parseError.error != QJsonParseError::NoError)
-        return Error{u'"' + path + u"\" is not JSON: "_s + parseError.errorString() +
-                     u" at offset "_s + QString::number(parseError.offset)};
-    // A parsed document holds an object or an array; the timetable takes an array only.
-    if (!document.isArray())
+    const DecodedDocument document = decodeDocument(bytes);
+    if (document.error && document.error->kind == DocumentJsonError::Kind::NotJson)
+        return Error{u'"' + path + u"\" is not JSON: "_s + document.error->jsonError +
+                     u" at offset "_s + QString::number(document.error->offset)};
+    // JSON that Qt decodes holds an object or an array; the timetable takes an array only.
+    if (document.error)
         return Error{u'"' + path +
                      u"\" is not an event document: its top-level value is an object, not an "
                      u"array of sections"_s};
-    return document.array();
+    return document.sections;
 }
 
 // The element of the top-level array with the given number: a kept section or the reason
