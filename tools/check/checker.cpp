@@ -1,5 +1,6 @@
 #include "check/checker.h"
 
+#include "cli/atoption.h"
 #include "data/suiteexport.h"
 #include "model/documentjson.h"
 #include "model/documentparser.h"
@@ -60,19 +61,6 @@ struct Options
     QString file;
 };
 
-Result<QDateTime> parseMoment(const QString &text, const QTimeZone &zone)
-{
-    QDateTime moment = QDateTime::fromString(text, Qt::ISODate);
-    if (!moment.isValid())
-        return Error{u"--at: \""_s + text +
-                     u"\" is not an ISO 8601 date-time such as 2026-11-22T12:00:00"_s};
-    // Without Z or an offset the text is wall-clock time in the zone the day is taken in, which
-    // need not be the zone of the process that runs the check (tests pin their own).
-    if (moment.timeSpec() == Qt::LocalTime)
-        moment = QDateTime(moment.date(), moment.time(), zone);
-    return moment;
-}
-
 Result<Options> parseArguments(const QStringList &arguments, const QDateTime &now,
                                const QTimeZone &zone)
 {
@@ -99,7 +87,8 @@ Result<Options> parseArguments(const QStringList &arguments, const QDateTime &no
         return Error{u"--export and --json cannot be combined"_s};
     options.now = now;
     if (parser.isSet(atOption)) {
-        const Result<QDateTime> moment = parseMoment(parser.value(atOption), zone);
+        const Result<QDateTime> moment =
+            cli::parseAtOption(parser.value(atOption), zone, u"2026-11-22T12:00:00");
         if (!moment)
             return Error{moment.error()};
         options.now = moment.value();

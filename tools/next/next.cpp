@@ -1,5 +1,6 @@
 #include "next/next.h"
 
+#include "cli/atoption.h"
 #include "version.h"
 
 #include <QCommandLineParser>
@@ -91,13 +92,11 @@ Result<Options> parseOptions(const QStringList &arguments, const QTimeZone &zone
     if (!countOk || options.count < 1)
         return Error{u"--count takes a number from 1 up"_s};
     if (parser.isSet(atOption)) {
-        QDateTime at = QDateTime::fromString(parser.value(atOption), Qt::ISODate);
-        if (!at.isValid())
-            return Error{u"--at: \""_s + parser.value(atOption) +
-                         u"\" is not an ISO 8601 date-time such as 2026-11-22T21:08:00"_s};
-        if (at.timeSpec() == Qt::LocalTime)
-            at = QDateTime(at.date(), at.time(), zone);
-        options.at = at;
+        const Result<QDateTime> at =
+            cli::parseAtOption(parser.value(atOption), zone, u"2026-11-22T21:08:00");
+        if (!at)
+            return Error{at.error()};
+        options.at = at.value();
     }
     options.strict = parser.isSet(strictOption);
     options.watch = parser.isSet(watchOption);
