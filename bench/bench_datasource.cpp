@@ -5,7 +5,7 @@
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "model/clock.h"
 
 #include <QBuffer>
@@ -60,7 +60,7 @@ private:
     SectionList load(UrlLoader &loader);
 
     QTemporaryDir m_folder;
-    EventService m_service;
+    LocalEventService m_service;
     QString m_cachePath;
 };
 
@@ -77,7 +77,7 @@ void BenchDataSource::initTestCase()
 void BenchDataSource::firstStartWithSlowIcons()
 {
     m_service.setBehaviour(u"*"_s, {.delayMs = latencyMs});
-    m_service.setBehaviour(EventService::documentPath.toString(), {});
+    m_service.setBehaviour(LocalEventService::documentPath.toString(), {});
 
     constexpr int runs = 5;
     QList<double> single;

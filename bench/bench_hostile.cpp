@@ -9,7 +9,7 @@
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "model/clock.h"
 
 #include <QBuffer>
@@ -76,7 +76,7 @@ int start(const QString &cachePath, const QString &service)
 int compare()
 {
     QTemporaryDir work;
-    EventService service;
+    LocalEventService service;
     service.setDocument(realisticWithServedIcons(iconCount));
     if (!service.listen())
         qFatal("cannot start the local event service");
@@ -85,7 +85,7 @@ int compare()
     struct Case
     {
         const char *name;
-        EventService::Behaviour icons;
+        LocalEventService::Behaviour icons;
     };
     const Case cases[] = {
         {"ordinary 48 x 48 icons", {.body = ordinary}},
@@ -96,7 +96,7 @@ int compare()
     int index = 0;
     for (const Case &hostile : cases) {
         service.setBehaviour(u"*"_s, hostile.icons);
-        service.setBehaviour(EventService::documentPath.toString(), {});
+        service.setBehaviour(LocalEventService::documentPath.toString(), {});
         QProcess child;
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         child.start(

@@ -7,7 +7,7 @@
 //   bench_idle --minimal  one label in a window, idle for 20 s after its first paint
 #include "app/timetablewindow.h"
 #include "benchsupport.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "model/clock.h"
 
 #include <QApplication>
@@ -131,7 +131,7 @@ int compare(int argc, char *argv[])
 {
     QApplication application(argc, argv);
     QTemporaryDir home;
-    eventtimer::EventService service;
+    eventtimer::LocalEventService service;
     service.setDocumentFile(QStringLiteral(EVENTTIMER_SAMPLE_DIR) + u"/events.json"_s);
     service.setFilesFolder(QStringLiteral(EVENTTIMER_SAMPLE_DIR));
     if (!service.listen())

@@ -1,6 +1,6 @@
 #include "app/preferencesdialog.h"
 #include "app/timetablewindow.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "suite/suiteformat.h"
 
 #include <QElapsedTimer>
@@ -39,8 +39,8 @@ class TestEventTimer : public QObject
 
 private:
     QTemporaryDir m_home;
-    EventService m_service;
-    const QString m_document = EventService::documentPath.toString();
+    LocalEventService m_service;
+    const QString m_document = LocalEventService::documentPath.toString();
     ManualClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
                         QTimeZone::utc()};
 

@@ -2,7 +2,7 @@
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "model/clock.h"
 #include "testimages.h"
 
@@ -58,7 +58,7 @@ struct Load
     std::optional<QByteArray> bytes;
     std::optional<QByteArray> date;
     QByteArray document = goodDocument;
-    EventService::Behaviour behaviour;
+    LocalEventService::Behaviour behaviour;
     QStringList lines{connectionOk, jsonOk};
     qsizetype sections = 2; // when the document could be read
 };
@@ -103,7 +103,7 @@ private:
     QTextStream m_err{&m_errors};
     std::unique_ptr<CacheFolder> m_cache;
     std::unique_ptr<QSettings> m_settings;
-    std::unique_ptr<EventService> m_service;
+    std::unique_ptr<LocalEventService> m_service;
     const ManualClock m_clock{noon, QTimeZone::utc()};
     SectionList m_sections;
     SectionList m_following;
@@ -116,7 +116,7 @@ private Q_SLOTS:
         m_cachePath = m_folder->filePath(u"cache"_s);
         m_errors.clear();
         m_cache = std::make_unique<CacheFolder>(m_cachePath, m_err);
-        m_service = std::make_unique<EventService>();
+        m_service = std::make_unique<LocalEventService>();
         QVERIFY(m_service->listen());
         m_service->setDocument(goodDocument);
         // The address of the service's root, with a slash at the end as users write it.
@@ -170,7 +170,7 @@ private Q_SLOTS:
             QVERIFY(m_cache->write(EventDataSource::documentFile.toString(), *load.bytes));
         if (load.date)
             QVERIFY(m_cache->write(EventDataSource::dateFile.toString(), *load.date));
-        m_service->setBehaviour(EventService::documentPath.toString(), load.behaviour);
+        m_service->setBehaviour(LocalEventService::documentPath.toString(), load.behaviour);
         m_service->setDocument(load.document);
         QCOMPARE(this->load(), load.lines);
         const qsizetype sections = load.lines.contains(jsonOk) ? load.sections : 0;
@@ -230,7 +230,7 @@ private Q_SLOTS:
     {
         // Only the icons misbehave, one byte a second; the document comes through redirects.
         m_service->setBehaviour(u"*"_s, {.body = pngBytes(Qt::red), .dripMs = 1000});
-        m_service->setBehaviour(EventService::documentPath.toString(), {.redirects = 2});
+        m_service->setBehaviour(LocalEventService::documentPath.toString(), {.redirects = 2});
         m_service->setDocument(iconDocument);
         QElapsedTimer elapsed;
         elapsed.start();

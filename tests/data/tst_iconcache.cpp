@@ -1,7 +1,7 @@
 #include "data/cachefolder.h"
 #include "data/iconcache.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "testimages.h"
 
 #include <QTemporaryDir>
@@ -18,7 +18,7 @@ class TestIconCache : public QObject
 private Q_SLOTS:
     void fetchesEachMissingKeyOnceWithinBounds()
     {
-        EventService service;
+        LocalEventService service;
         QVERIFY(service.listen());
         service.setBehaviour(u"/b/X/1.png"_s, {.body = pngBytes(Qt::red)});
         service.setBehaviour(u"/c/X/1.png"_s, {.body = pngBytes(Qt::red)});
