@@ -1,12 +1,13 @@
 // The data source's two costs that a user feels: the first start, which downloads the document
 // and every icon, and every later start, which reads both from the cache folder.
 #include "benchsupport.h"
+#include "blockingcalls.h"
 #include "data/cachefolder.h"
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
 #include "localeventservice/localeventservice.h"
-#include "model/clock.h"
+#include "manualclock.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>
@@ -25,6 +26,7 @@
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
 using namespace eventtimer::bench;
+using eventtimer::testing::ManualClock;
 
 namespace {
 
@@ -86,7 +88,8 @@ void BenchDataSource::firstStartWithSlowIcons()
         UrlLoader loader;
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(loader.readNow(QUrl(m_service.baseUrl().toString() + u"/icons/file/set/0.png"_s)));
+        QVERIFY(eventtimer::testing::readNow(
+            loader, QUrl(m_service.baseUrl().toString() + u"/icons/file/set/0.png"_s)));
         single.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
 
         m_cachePath = m_folder.filePath(u"first-"_s + QString::number(run));

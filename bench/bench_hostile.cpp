@@ -10,7 +10,7 @@
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
 #include "localeventservice/localeventservice.h"
-#include "model/clock.h"
+#include "manualclock.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -29,6 +29,7 @@
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
 using namespace eventtimer::bench;
+using eventtimer::testing::ManualClock;
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "app/timetablewindow.h"
 #include "benchsupport.h"
 #include "localeventservice/localeventservice.h"
-#include "model/clock.h"
+#include "manualclock.h"
 
 #include <QApplication>
 #include <QDir>
@@ -108,8 +108,8 @@ Idle runChild(const QString &mode, const QProcessEnvironment &environment)
 // The window with the document's three next events marked, its clock moved 10 minutes on.
 void countSimulatedWakeUps()
 {
-    eventtimer::ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(1, 9), QTimeZone::utc()),
-                                  QTimeZone::utc());
+    eventtimer::testing::ManualClock clock(
+        QDateTime(QDate(2026, 11, 22), QTime(1, 9), QTimeZone::utc()), QTimeZone::utc());
     eventtimer::TimetableWindow window(clock);
     window.reminders().setBus(QDBusConnection(u"none"_s));
     window.reminders().choices().assign(

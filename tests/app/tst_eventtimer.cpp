@@ -1,6 +1,7 @@
 #include "app/preferencesdialog.h"
 #include "app/timetablewindow.h"
 #include "localeventservice/localeventservice.h"
+#include "manualclock.h"
 #include "suite/suiteformat.h"
 
 #include <QElapsedTimer>
@@ -11,6 +12,7 @@
 #include <csignal>
 
 using namespace eventtimer;
+using eventtimer::testing::ManualClock;
 using namespace Qt::StringLiterals;
 
 namespace {

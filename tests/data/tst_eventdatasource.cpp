@@ -3,7 +3,7 @@
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
 #include "localeventservice/localeventservice.h"
-#include "model/clock.h"
+#include "manualclock.h"
 #include "testimages.h"
 
 #include <QElapsedTimer>
@@ -12,6 +12,7 @@
 #include <QTest>
 
 using namespace eventtimer;
+using eventtimer::testing::ManualClock;
 using namespace Qt::StringLiterals;
 using eventtimer::testing::pngBytes;
 

@@ -1,3 +1,4 @@
+#include "blockingcalls.h"
 #include "data/urlloader.h"
 #include "localeventservice/localeventservice.h"
 
@@ -7,6 +8,7 @@
 #include <QTest>
 
 using namespace eventtimer;
+using namespace eventtimer::testing;
 using namespace Qt::StringLiterals;
 
 class TestUrlLoader : public QObject
@@ -45,7 +47,8 @@ private Q_SLOTS:
         service.setBehaviour(LocalEventService::documentPath.toString(), behaviour);
         UrlLoader loader({std::chrono::milliseconds(1000), 256 * 1024});
         // Beside a refused address, which fails at once: the results keep the order asked for.
-        const UrlLoader::Results bodies = loader.readAllNow(
+        const UrlLoader::Results bodies = readAllNow(
+            loader,
             {QUrl(service.baseUrl().toString() + LocalEventService::documentPath.toString()),
              QUrl(u"http://example.test/x"_s)},
             2);
@@ -66,14 +69,16 @@ private Q_SLOTS:
         QVERIFY(service.listen());
         service.setDocument("[3]");
         const QUrl url(service.baseUrl().toString() + LocalEventService::documentPath.toString());
-        QCOMPARE(UrlLoader().readNow(url).error(), u"certificate not trusted"_s);
+        UrlLoader untrusting;
+        QCOMPARE(readNow(untrusting, url).error(), u"certificate not trusted"_s);
 
         // Trusted the way the system's own authorities are, through the process's defaults.
         const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
         QSslConfiguration trusting = before;
         trusting.addCaCertificates(tls + u"ca.pem"_s);
         QSslConfiguration::setDefaultConfiguration(trusting);
-        const Result<QByteArray> body = UrlLoader().readNow(url);
+        UrlLoader trustingLoader;
+        const Result<QByteArray> body = readNow(trustingLoader, url);
         QSslConfiguration::setDefaultConfiguration(before);
         QCOMPARE(body.value(), "[3]"_ba);
     }
