@@ -1,13 +1,13 @@
 // The data source's two costs that a user feels: the first start, which downloads the document
 // and every icon, and every later start, which reads both from the cache folder.
 #include "benchsupport.h"
+#include "blockingcalls.h"
 #include "data/cachefolder.h"
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
-#include "loadday.h"
-#include "model/clock.h"
+#include "localeventservice/localeventservice.h"
+#include "manualclock.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>
@@ -26,6 +26,7 @@
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
 using namespace eventtimer::bench;
+using eventtimer::testing::ManualClock;
 
 namespace {
 
@@ -61,7 +62,7 @@ private:
     SectionList load(UrlLoader &loader);
 
     QTemporaryDir m_folder;
-    EventService m_service;
+    LocalEventService m_service;
     QString m_cachePath;
 };
 
@@ -78,7 +79,7 @@ void BenchDataSource::initTestCase()
 void BenchDataSource::firstStartWithSlowIcons()
 {
     m_service.setBehaviour(u"*"_s, {.delayMs = latencyMs});
-    m_service.setBehaviour(EventService::documentPath.toString(), {});
+    m_service.setBehaviour(LocalEventService::documentPath.toString(), {});
 
     constexpr int runs = 5;
     QList<double> single;
@@ -87,7 +88,8 @@ void BenchDataSource::firstStartWithSlowIcons()
         UrlLoader loader;
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(loader.readNow(QUrl(m_service.baseUrl().toString() + u"/icons/file/set/0.png"_s)));
+        QVERIFY(eventtimer::testing::readNow(
+            loader, QUrl(m_service.baseUrl().toString() + u"/icons/file/set/0.png"_s)));
         single.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
 
         m_cachePath = m_folder.filePath(u"first-"_s + QString::number(run));

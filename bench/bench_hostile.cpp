@@ -5,13 +5,13 @@
 //   bench_hostile --start CACHE SERVICE    one first start; prints its peak memory and the
 //                                          kept icons
 #include "benchsupport.h"
+#include "blockingcalls.h"
 #include "data/cachefolder.h"
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
-#include "loadday.h"
-#include "model/clock.h"
+#include "localeventservice/localeventservice.h"
+#include "manualclock.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -30,6 +30,7 @@
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
 using namespace eventtimer::bench;
+using eventtimer::testing::ManualClock;
 
 namespace {
 
@@ -76,7 +77,7 @@ int start(const QString &cachePath, const QString &service)
 int compare()
 {
     QTemporaryDir work;
-    EventService service;
+    LocalEventService service;
     service.setDocument(realisticWithServedIcons(iconCount));
     if (!service.listen())
         qFatal("cannot start the local event service");
@@ -85,7 +86,7 @@ int compare()
     struct Case
     {
         const char *name;
-        EventService::Behaviour icons;
+        LocalEventService::Behaviour icons;
     };
     const Case cases[] = {
         {"ordinary 48 x 48 icons", {.body = ordinary}},
@@ -96,7 +97,7 @@ int compare()
     int index = 0;
     for (const Case &hostile : cases) {
         service.setBehaviour(u"*"_s, hostile.icons);
-        service.setBehaviour(EventService::documentPath.toString(), {});
+        service.setBehaviour(LocalEventService::documentPath.toString(), {});
         QProcess child;
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         child.start(

@@ -7,8 +7,8 @@
 //   bench_idle --minimal  one label in a window, idle for 20 s after its first paint
 #include "app/eventtimer.h"
 #include "benchsupport.h"
-#include "eventservice/eventservice.h"
-#include "model/clock.h"
+#include "localeventservice/localeventservice.h"
+#include "manualclock.h"
 #include "ui/viewcontroller.h"
 
 #include <QApplication>
@@ -111,8 +111,8 @@ Idle runChild(const QString &mode, const QProcessEnvironment &environment)
 // The window with the document's three next events marked, its clock moved 10 minutes on.
 void countSimulatedWakeUps()
 {
-    eventtimer::ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(1, 9), QTimeZone::utc()),
-                                  QTimeZone::utc());
+    eventtimer::testing::ManualClock clock(
+        QDateTime(QDate(2026, 11, 22), QTime(1, 9), QTimeZone::utc()), QTimeZone::utc());
     QTextStream out(stdout);
     QTextStream err(stderr);
     eventtimer::EventTimer program(clock, out, err);
@@ -137,7 +137,7 @@ int compare(int argc, char *argv[])
 {
     QApplication application(argc, argv);
     QTemporaryDir home;
-    eventtimer::EventService service;
+    eventtimer::LocalEventService service;
     service.setDocumentFile(QStringLiteral(EVENTTIMER_SAMPLE_DIR) + u"/events.json"_s);
     service.setFilesFolder(QStringLiteral(EVENTTIMER_SAMPLE_DIR));
     if (!service.listen())

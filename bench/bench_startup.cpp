@@ -8,7 +8,7 @@
 //   bench_startup --minimal  one label in a window; quits after it first paints
 #include "app/eventtimer.h"
 #include "benchsupport.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "model/clock.h"
 #include "ui/timelinewidget.h"
 #include "ui/viewcontroller.h"
@@ -115,7 +115,7 @@ int compare(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     QTemporaryDir config;
-    eventtimer::EventService service;
+    eventtimer::LocalEventService service;
     service.setDocumentFile(QStringLiteral(EVENTTIMER_SAMPLE_DIR) + u"/events.json"_s);
     service.setFilesFolder(QStringLiteral(EVENTTIMER_SAMPLE_DIR));
     if (!service.listen())
@@ -138,7 +138,7 @@ int compare(int argc, char *argv[])
     constexpr int runs = 9;
 
     // First starts, each with an empty cache, the document 2 s late.
-    service.setBehaviour(eventtimer::EventService::documentPath.toString(), {.delayMs = 2000});
+    service.setBehaviour(eventtimer::LocalEventService::documentPath.toString(), {.delayMs = 2000});
     QList<double> firstWindow;
     QList<double> firstMinimal;
     for (int run = 0; run < runs; ++run) {
@@ -156,7 +156,7 @@ int compare(int argc, char *argv[])
     // The start that fills the cache, then later starts from it.
     environment.insert(u"XDG_CACHE_HOME"_s, config.filePath(u"cache"_s));
     runChild(u"--app"_s, environment, true);
-    if (service.requestCount(eventtimer::EventService::documentPath.toString()) == 0)
+    if (service.requestCount(eventtimer::LocalEventService::documentPath.toString()) == 0)
         qFatal("the first start did not download");
     const int requestsBefore = service.totalRequests();
     QList<double> app;

@@ -1,7 +1,7 @@
 // The window's costs on a stress day of ~6 000 occurrences: building the timetable, and
 // repainting the visible part of the time axis after a scroll.
 #include "benchsupport.h"
-#include "model/clock.h"
+#include "manualclock.h"
 #include "model/documentparser.h"
 #include "ui/timelinewidget.h"
 #include "ui/viewcontroller.h"
@@ -15,6 +15,7 @@
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
 using namespace eventtimer::bench;
+using eventtimer::testing::ManualClock;
 
 class BenchTimetable : public QObject
 {

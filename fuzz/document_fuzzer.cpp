@@ -14,6 +14,7 @@
 // Icons never touch the network: FuzzIcons below answers every lookup from the URL alone and
 // notes what the parser asked for, which must be exactly the icons of the events it kept.
 
+#include "model/documentjson.h"
 #include "model/documentparser.h"
 #include "model/event.h"
 #include "model/eventcolor.h"
@@ -26,7 +27,6 @@
 
 #include <QBuffer>
 #include <QImage>
-#include <QJsonDocument>
 #include <QSet>
 #include <QStringList>
 #include <QTimeZone>
@@ -376,12 +376,12 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const DayChoice &choice = dayFor(data, size);
-    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromRawData(
+    const DecodedDocument document = decodeDocument(QByteArray::fromRawData(
         reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
-    if (!document.isArray())
+    if (document.error)
         return -1; // not an event document: keep it out of the corpus
 
-    const QJsonArray array = document.array();
+    const QJsonArray &array = document.sections;
     FuzzIcons icons;
     const ScheduleDay day = ScheduleDay::containing(choice.now, choice.zone);
 

@@ -1,5 +1,7 @@
 #include "app/commandline.h"
 
+#include "version.h"
+
 #include <QCommandLineParser>
 
 using namespace Qt::StringLiterals;

@@ -4,6 +4,7 @@
 #include "app/eventtimer.h"
 #include "app/singleinstance.h"
 #include "model/clock.h"
+#include "version.h"
 
 #include <QApplication>
 

@@ -5,8 +5,8 @@
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
 #include "model/clock.h"
+#include "model/documentjson.h"
 
-#include <QJsonDocument>
 #include <QSet>
 #include <QTimer>
 
@@ -203,13 +203,12 @@ void EventDataSource::fallBack(const QString &reason)
 
 void EventDataSource::decode(const QByteArray &bytes, Lines lines)
 {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
-    if (error.error != QJsonParseError::NoError || !document.isArray()) {
+    DecodedDocument document = decodeDocument(bytes);
+    if (document.error) {
         if (lines == Lines::Said)
             say(parseError);
-        fail(error.error != QJsonParseError::NoError
-                 ? u"the event document is no JSON ("_s + error.errorString() + u')'
+        fail(document.error->kind == DocumentJsonError::Kind::NotJson
+                 ? u"the event document is no JSON ("_s + document.error->jsonError + u')'
                  : u"the event document is no list of sections"_s);
         return;
     }
@@ -218,7 +217,7 @@ void EventDataSource::decode(const QByteArray &bytes, Lines lines)
 
     // A start from the cache parses once; only missing icons cost a second pass. The kept copy
     // that stands in for a failed download shows the icons the cache has.
-    m_document = document.array();
+    m_document = std::move(document.sections);
     m_result.day = m_clock.now().toTimeZone(m_clock.zone()).date();
     const ScheduleDay day = ScheduleDay::of(m_result.day, m_clock.zone());
     m_icons = std::make_unique<IconCache>(m_cache, m_err);

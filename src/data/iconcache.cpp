@@ -2,7 +2,6 @@
 
 #include "data/cachefolder.h"
 #include "data/urlloader.h"
-#include "data/waitfor.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -162,13 +161,6 @@ void IconCache::fetchRound(const std::shared_ptr<Fetch> &fetch)
             fetchRound(fetch);
         },
         onProgress, left);
-}
-
-IconCache::Fetched IconCache::fetchMissingNow(const QStringList &asked, UrlLoader &loader,
-                                              int concurrency)
-{
-    return waitFor<Fetched>(
-        [&](auto done) { fetchMissing(asked, loader, concurrency, std::move(done)); });
 }
 
 void IconCache::report(const QStringList &failures)

@@ -49,8 +49,6 @@ public:
     void fetchMissing(const QStringList &asked, UrlLoader &loader, int concurrency,
                       std::function<void(Fetched)> done,
                       std::function<void(int settled, int total)> progress = {});
-    // The same, waiting in a local event loop.
-    Fetched fetchMissingNow(const QStringList &asked, UrlLoader &loader, int concurrency);
 
     static QString fileName(const QString &key);
 

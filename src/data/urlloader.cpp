@@ -1,5 +1,4 @@
 #include "data/urlloader.h"
-#include "data/waitfor.h"
 
 #include <QHostAddress>
 #include <QNetworkAccessManager>
@@ -322,18 +321,6 @@ void UrlLoader::read(const QUrl &url, std::function<void(Result<QByteArray>)> do
 {
     readAll({url}, 1, 0,
             [done = std::move(done)](Results results) { done(std::move(results.first())); });
-}
-
-UrlLoader::Results UrlLoader::readAllNow(const QList<QUrl> &urls, int concurrency,
-                                         qint64 maxBodyBytes)
-{
-    return waitFor<Results>(
-        [&](auto done) { readAll(urls, concurrency, maxBodyBytes, std::move(done)); });
-}
-
-Result<QByteArray> UrlLoader::readNow(const QUrl &url)
-{
-    return readAllNow({url}, 1).first();
 }
 
 void UrlLoader::cancel()

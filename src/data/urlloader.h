@@ -51,10 +51,6 @@ public:
                  Progress progress = {}, std::chrono::milliseconds timeout = {});
     void read(const QUrl &url, std::function<void(Result<QByteArray>)> done);
 
-    // The same, waiting in a local event loop: for tools and tests.
-    Results readAllNow(const QList<QUrl> &urls, int concurrency, qint64 maxBodyBytes = 0);
-    Result<QByteArray> readNow(const QUrl &url);
-
     // Ends every read in flight at once; their callbacks are not called.
     void cancel();
 

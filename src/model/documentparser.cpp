@@ -69,7 +69,7 @@ Result<std::shared_ptr<Section>> parseSection(const QJsonObject &record,
     }
     section->events.reserve(records.size());
     for (const QJsonObject &segment : std::as_const(records))
-        section->events.append(parseEvent(segment, section->name, nullptr));
+        section->events.append(parseEvent(segment, section->name));
 
     const Status expanded = expandSchedule(*section, skippedSegments, partial.value(),
                                            pattern.value(), context.day, context.budget);

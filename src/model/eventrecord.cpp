@@ -10,16 +10,13 @@
 
 namespace eventtimer {
 
-std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sectionName,
-                                  IconLookup *icons)
+std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sectionName)
 {
     auto event = std::make_shared<Event>();
     event->section = sectionName;
     event->name = record.value(u"name").toString();
     event->wiki = jsonfields::optionalString(record, u"link").value_or(event->name);
     event->chatLink = jsonfields::optionalString(record, u"chatlink");
-    if (icons)
-        event->icon = iconOf(record, *icons);
     event->backgroundColor = colorFromBackground(record.value(u"bg"));
     return event;
 }

@@ -16,10 +16,9 @@ class Event;
 class IconLookup;
 
 // Builds the event of one segment record whose "name" is a non-empty string (the parser has
-// checked that). Optional keys of the wrong type count as missing. Without icons to look up
-// the event has no icon.
-std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sectionName,
-                                  IconLookup *icons);
+// checked that). Optional keys of the wrong type count as missing. The event has no icon yet:
+// the parser looks it up with iconOf() once the section is kept.
+std::shared_ptr<Event> parseEvent(const QJsonObject &record, const QString &sectionName);
 
 // The icon of a segment record: looked up under its "icon" text when that is a string.
 std::optional<Icon> iconOf(const QJsonObject &record, IconLookup &icons);

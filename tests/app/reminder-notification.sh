@@ -3,7 +3,7 @@
 # dunst notification daemon, the clock started five seconds before the reminder of a marked
 # event. Checks what dunst showed and that its action put the event's chat link on the
 # clipboard. Started by CTest through xvfb-run and dbus-run-session.
-#   reminder-notification.sh EVENTTIMER EVENTSERVICE SAMPLE_DIR
+#   reminder-notification.sh EVENTTIMER LOCALEVENTSERVICE SAMPLE_DIR
 set -euo pipefail
 app=$1 service=$2 sample=$3
 work=$(mktemp -d)

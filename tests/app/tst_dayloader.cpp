@@ -1,9 +1,9 @@
 #include "app/eventtimer.h"
 #include "data/eventdatasource.h"
-#include "data/suiteformat.h"
-#include "eventservice/eventservice.h"
-#include "model/clock.h"
+#include "localeventservice/localeventservice.h"
+#include "manualclock.h"
 #include "model/scheduleday.h"
+#include "suite/suiteformat.h"
 #include "ui/viewcontroller.h"
 
 #include <QJsonArray>
@@ -14,6 +14,7 @@
 #include <QTest>
 
 using namespace eventtimer;
+using eventtimer::testing::ManualClock;
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -59,8 +60,8 @@ class TestDayLoader : public QObject
 
 private:
     QTemporaryDir m_home;
-    EventService m_service;
-    const QString m_document = EventService::documentPath.toString();
+    LocalEventService m_service;
+    const QString m_document = LocalEventService::documentPath.toString();
 
     void writeCopy(const QByteArray &bytes, const QDateTime &downloaded)
     {

@@ -2,8 +2,8 @@
 #include "app/eventtimer.h"
 #include "app/preferencesdialog.h"
 #include "app/windowplacement.h"
-#include "eventservice/eventservice.h"
-#include "model/clock.h"
+#include "localeventservice/localeventservice.h"
+#include "manualclock.h"
 #include "ui/viewcontroller.h"
 
 #include <QElapsedTimer>
@@ -17,6 +17,7 @@
 #include <csignal>
 
 using namespace eventtimer;
+using eventtimer::testing::ManualClock;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -45,8 +46,8 @@ class TestEventTimer : public QObject
 
 private:
     QTemporaryDir m_home;
-    EventService m_service;
-    const QString m_document = EventService::documentPath.toString();
+    LocalEventService m_service;
+    const QString m_document = LocalEventService::documentPath.toString();
     ManualClock m_clock{QDateTime(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc()),
                         QTimeZone::utc()};
     QString m_output;

@@ -1,10 +1,10 @@
+#include "blockingcalls.h"
 #include "data/cachefolder.h"
 #include "data/eventdatasource.h"
 #include "data/settingsstore.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
-#include "loadday.h"
-#include "model/clock.h"
+#include "localeventservice/localeventservice.h"
+#include "manualclock.h"
 #include "testimages.h"
 
 #include <QElapsedTimer>
@@ -13,6 +13,7 @@
 #include <QTest>
 
 using namespace eventtimer;
+using eventtimer::testing::ManualClock;
 using namespace Qt::StringLiterals;
 using eventtimer::testing::pngBytes;
 
@@ -59,7 +60,7 @@ struct Load
     std::optional<QByteArray> bytes;
     std::optional<QByteArray> date;
     QByteArray document = goodDocument;
-    EventService::Behaviour behaviour;
+    LocalEventService::Behaviour behaviour;
     QStringList lines{connectionOk, jsonOk};
     qsizetype sections = 2;
     DayData::Origin origin = DayData::Origin::Downloaded;
@@ -106,7 +107,7 @@ private:
     QTextStream m_err{&m_errors};
     std::unique_ptr<CacheFolder> m_cache;
     std::unique_ptr<QSettings> m_settings;
-    std::unique_ptr<EventService> m_service;
+    std::unique_ptr<LocalEventService> m_service;
     const ManualClock m_clock{noon, QTimeZone::utc()};
     DayData m_day;
     SectionList m_sections;
@@ -119,7 +120,7 @@ private Q_SLOTS:
         m_cachePath = m_folder->filePath(u"cache"_s);
         m_errors.clear();
         m_cache = std::make_unique<CacheFolder>(m_cachePath, m_err);
-        m_service = std::make_unique<EventService>();
+        m_service = std::make_unique<LocalEventService>();
         QVERIFY(m_service->listen());
         m_service->setDocument(goodDocument);
         // The address of the service's root, with a slash at the end as users write it.
@@ -193,7 +194,7 @@ private Q_SLOTS:
             QVERIFY(m_cache->write(EventDataSource::documentFile.toString(), *load.bytes));
         if (load.date)
             QVERIFY(m_cache->write(EventDataSource::dateFile.toString(), *load.date));
-        m_service->setBehaviour(EventService::documentPath.toString(), load.behaviour);
+        m_service->setBehaviour(LocalEventService::documentPath.toString(), load.behaviour);
         m_service->setDocument(load.document);
         QCOMPARE(this->load(), load.lines);
         QCOMPARE(m_sections.size(), load.sections);
@@ -264,7 +265,7 @@ private Q_SLOTS:
     {
         // Only the icons misbehave, one byte a second; the document comes through redirects.
         m_service->setBehaviour(u"*"_s, {.body = pngBytes(Qt::red), .dripMs = 1000});
-        m_service->setBehaviour(EventService::documentPath.toString(), {.redirects = 2});
+        m_service->setBehaviour(LocalEventService::documentPath.toString(), {.redirects = 2});
         m_service->setDocument(iconDocument);
         QElapsedTimer elapsed;
         elapsed.start();

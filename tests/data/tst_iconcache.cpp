@@ -1,7 +1,8 @@
+#include "blockingcalls.h"
 #include "data/cachefolder.h"
 #include "data/iconcache.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 #include "testimages.h"
 
 #include <QTemporaryDir>
@@ -9,6 +10,7 @@
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
+using eventtimer::testing::fetchMissingNow;
 using eventtimer::testing::pngBytes;
 
 class TestIconCache : public QObject
@@ -18,7 +20,7 @@ class TestIconCache : public QObject
 private Q_SLOTS:
     void fetchesEachMissingKeyOnceWithinBounds()
     {
-        EventService service;
+        LocalEventService service;
         QVERIFY(service.listen());
         service.setBehaviour(u"/b/X/1.png"_s, {.body = pngBytes(Qt::red)});
         service.setBehaviour(u"/c/X/1.png"_s, {.body = pngBytes(Qt::red)});
@@ -40,7 +42,7 @@ private Q_SLOTS:
                                 base + u"/a/X/1.png"_s,  base + u"/c/X/1.png"_s,
                                 base + u"/z/Z/3.png"_s,  base + u"/d/Y/2.png"_s,
                                 base + u"/big/B/1.png"_s};
-        QCOMPARE(cache.fetchMissingNow(asked, loader, 4),
+        QCOMPARE(fetchMissingNow(cache, asked, loader, 4),
                  (IconCache::Fetched{{asked.at(0), false},
                                      {asked.at(1), true},
                                      {asked.at(5), true},
@@ -55,14 +57,14 @@ private Q_SLOTS:
         QCOMPARE(folder.read(IconCache::fileName(u"Z_3"_s), 1000), std::optional("junk"_ba));
         IconCache later(folder, errors);
         QCOMPARE(later.icon(asked.at(3))->image().pixelColor(0, 0), QColor(Qt::red));
-        QCOMPARE(later.fetchMissingNow(asked, loader, 4).keys(), QList{asked.at(6)});
+        QCOMPARE(fetchMissingNow(later, asked, loader, 4).keys(), QList{asked.at(6)});
 
         // At most a thousand new keys a start (at addresses refused without a request).
         err.clear();
         QStringList many;
         for (int i = 0; i <= IconCache::maxFetchedPerDocument; ++i)
             many.append(u"http://far.example.test/set/"_s + QString::number(i) + u"/1.png"_s);
-        QCOMPARE(later.fetchMissingNow(many, loader, 20).size(), IconCache::maxFetchedPerDocument);
+        QCOMPARE(fetchMissingNow(later, many, loader, 20).size(), IconCache::maxFetchedPerDocument);
         QVERIFY(err.startsWith(u"eventtimer: the document asks for more than 1000 new icons"_s));
     }
 };

@@ -1,7 +1,7 @@
 #include "data/cachefolder.h"
 #include "data/remindersettings.h"
 #include "data/settingsstore.h"
-#include "data/suiteformat.h"
+#include "suite/suiteformat.h"
 
 #include <QDir>
 #include <QFile>

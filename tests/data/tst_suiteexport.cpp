@@ -38,7 +38,7 @@ private Q_SLOTS:
     void theSuiteAsAReaderFindsIt()
     {
         // The arrays in the order they are written, then the axis's UTC day and the moment.
-        QCOMPARE(suiteJson(twoAtOne(), now),
+        QCOMPARE(suiteText(sharedSuite(twoAtOne(), now)),
                  "{\n"
                  "    \"varn_global_events_times\": [3600,3601],\n"
                  "    \"varn_global_events_sequence\": [\"Pearl Dive\",\"Ferry \\\"2\\\"\"],\n"
@@ -55,7 +55,7 @@ private Q_SLOTS:
         QVERIFY(exportToSharedSuite(GlobalSequence(), now, path).ok());
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), suiteJson(GlobalSequence(), now));
+        QCOMPARE(file.readAll(), suiteText(sharedSuite(GlobalSequence(), now)));
         QCOMPARE(QDir(QFileInfo(path).path()).entryList(QDir::Files), QStringList{u"suite.json"_s});
 
         // A place under a file, and a place that is a folder, fail with the place named (also

@@ -1,5 +1,6 @@
+#include "blockingcalls.h"
 #include "data/urlloader.h"
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 
 #include <QFile>
 #include <QSslConfiguration>
@@ -7,6 +8,7 @@
 #include <QTest>
 
 using namespace eventtimer;
+using namespace eventtimer::testing;
 using namespace Qt::StringLiterals;
 
 class TestUrlLoader : public QObject
@@ -16,37 +18,38 @@ class TestUrlLoader : public QObject
 private Q_SLOTS:
     void reads_data()
     {
-        QTest::addColumn<EventService::Behaviour>("behaviour");
+        QTest::addColumn<LocalEventService::Behaviour>("behaviour");
         QTest::addColumn<QString>("failure"); // empty when the body is read
 
-        QTest::newRow("200") << EventService::Behaviour{} << QString();
-        QTest::newRow("HTTP 500") << EventService::Behaviour{.status = 500} << u"HTTP 500"_s;
+        QTest::newRow("200") << LocalEventService::Behaviour{} << QString();
+        QTest::newRow("HTTP 500") << LocalEventService::Behaviour{.status = 500} << u"HTTP 500"_s;
         QTest::newRow("closed in the middle of the body")
-            << EventService::Behaviour{.closeMidBody = true} << u"closed the connection"_s;
+            << LocalEventService::Behaviour{.closeMidBody = true} << u"closed the connection"_s;
         QTest::newRow("slower than the time-out")
-            << EventService::Behaviour{.delayMs = 3000} << u"timed out after 1 s"_s;
+            << LocalEventService::Behaviour{.delayMs = 3000} << u"timed out after 1 s"_s;
         QTest::newRow("five redirects over closing connections")
-            << EventService::Behaviour{.redirects = 5} << QString();
+            << LocalEventService::Behaviour{.redirects = 5} << QString();
         QTest::newRow("six redirects")
-            << EventService::Behaviour{.redirects = 6} << u"more than 5 redirects"_s;
+            << LocalEventService::Behaviour{.redirects = 6} << u"more than 5 redirects"_s;
         QTest::newRow("a body over the cap, without a length")
-            << EventService::Behaviour{.oversizeBytes = 300 * 1024, .noLength = true}
+            << LocalEventService::Behaviour{.oversizeBytes = 300 * 1024, .noLength = true}
             << u"larger than 262144"_s;
     }
 
     void reads()
     {
-        QFETCH(EventService::Behaviour, behaviour);
+        QFETCH(LocalEventService::Behaviour, behaviour);
         QFETCH(QString, failure);
 
-        EventService service;
+        LocalEventService service;
         QVERIFY(service.listen());
         service.setDocument("[1]");
-        service.setBehaviour(EventService::documentPath.toString(), behaviour);
+        service.setBehaviour(LocalEventService::documentPath.toString(), behaviour);
         UrlLoader loader({std::chrono::milliseconds(1000), 256 * 1024});
         // Beside a refused address, which fails at once: the results keep the order asked for.
-        const UrlLoader::Results bodies = loader.readAllNow(
-            {QUrl(service.baseUrl().toString() + EventService::documentPath.toString()),
+        const UrlLoader::Results bodies = readAllNow(
+            loader,
+            {QUrl(service.baseUrl().toString() + LocalEventService::documentPath.toString()),
              QUrl(u"http://example.test/x"_s)},
             2);
         QVERIFY(bodies.at(1).error().startsWith(u"plain http is only accepted"_s));
@@ -60,20 +63,22 @@ private Q_SLOTS:
         const QString tls = QStringLiteral(EVENTTIMER_FIXTURES_DIR "/tls/");
         QFile key(tls + u"server.key"_s);
         QVERIFY(key.open(QIODevice::ReadOnly));
-        EventService service;
+        LocalEventService service;
         service.useTls(QSslCertificate::fromPath(tls + u"server.pem"_s).value(0),
                        QSslKey(&key, QSsl::Ec));
         QVERIFY(service.listen());
         service.setDocument("[3]");
-        const QUrl url(service.baseUrl().toString() + EventService::documentPath.toString());
-        QCOMPARE(UrlLoader().readNow(url).error(), u"certificate not trusted"_s);
+        const QUrl url(service.baseUrl().toString() + LocalEventService::documentPath.toString());
+        UrlLoader untrusting;
+        QCOMPARE(readNow(untrusting, url).error(), u"certificate not trusted"_s);
 
         // Trusted the way the system's own authorities are, through the process's defaults.
         const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
         QSslConfiguration trusting = before;
         trusting.addCaCertificates(tls + u"ca.pem"_s);
         QSslConfiguration::setDefaultConfiguration(trusting);
-        const Result<QByteArray> body = UrlLoader().readNow(url);
+        UrlLoader trustingLoader;
+        const Result<QByteArray> body = readNow(trustingLoader, url);
         QSslConfiguration::setDefaultConfiguration(before);
         QCOMPARE(body.value(), "[3]"_ba);
     }

@@ -43,8 +43,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, record);
         QFETCH(QString, expected);
-        const auto event =
-            parseEvent(QJsonDocument::fromJson(record).object(), u"Harbour"_s, nullptr);
+        const auto event = parseEvent(QJsonDocument::fromJson(record).object(), u"Harbour"_s);
         const EventColor color = event->backgroundColor;
         QStringList rgba;
         for (const double component : {color.red(), color.green(), color.blue(), color.alpha()})

@@ -1,4 +1,4 @@
-#include "model/clock.h"
+#include "manualclock.h"
 #include "model/reminderplan.h"
 #include "model/reminderscheduler.h"
 #include "model/scheduleday.h"

@@ -1,4 +1,4 @@
-#include "model/clock.h"
+#include "manualclock.h"
 #include "model/reminderchoices.h"
 #include "smallday.h"
 #include "ui/eventboxpainter.h"

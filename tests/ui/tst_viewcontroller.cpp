@@ -1,4 +1,4 @@
-#include "model/clock.h"
+#include "manualclock.h"
 #include "model/documentparser.h"
 #include "ui/viewcontroller.h"
 
@@ -8,6 +8,7 @@
 #include <QTest>
 
 using namespace eventtimer;
+using eventtimer::testing::ManualClock;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -1,6 +1,8 @@
 #include "check/checker.h"
 
+#include "cli/atoption.h"
 #include "data/suiteexport.h"
+#include "model/documentjson.h"
 #include "model/documentparser.h"
 #include "model/event.h"
 #include "model/globalsequence.h"
@@ -8,13 +10,13 @@
 #include "model/section.h"
 #include "model/sequenceitem.h"
 #include "model/sequencetime.h"
+#include "version.h"
 
 #include <QCommandLineParser>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QJsonParseError>
 
 #include <algorithm>
 
@@ -59,19 +61,6 @@ struct Options
     QString file;
 };
 
-Result<QDateTime> parseMoment(const QString &text, const QTimeZone &zone)
-{
-    QDateTime moment = QDateTime::fromString(text, Qt::ISODate);
-    if (!moment.isValid())
-        return Error{u"--at: \""_s + text +
-                     u"\" is not an ISO 8601 date-time such as 2026-11-22T12:00:00"_s};
-    // Without Z or an offset the text is wall-clock time in the zone the day is taken in, which
-    // need not be the zone of the process that runs the check (tests pin their own).
-    if (moment.timeSpec() == Qt::LocalTime)
-        moment = QDateTime(moment.date(), moment.time(), zone);
-    return moment;
-}
-
 Result<Options> parseArguments(const QStringList &arguments, const QDateTime &now,
                                const QTimeZone &zone)
 {
@@ -98,7 +87,8 @@ Result<Options> parseArguments(const QStringList &arguments, const QDateTime &no
         return Error{u"--export and --json cannot be combined"_s};
     options.now = now;
     if (parser.isSet(atOption)) {
-        const Result<QDateTime> moment = parseMoment(parser.value(atOption), zone);
+        const Result<QDateTime> moment =
+            cli::parseAtOption(parser.value(atOption), zone, u"2026-11-22T12:00:00");
         if (!moment)
             return Error{moment.error()};
         options.now = moment.value();
@@ -122,17 +112,16 @@ Result<QJsonArray> readDocument(const QString &path)
     if (file.error() != QFileDevice::NoError)
         return Error{u"cannot read \""_s + path + u"\": "_s + file.errorString()};
 
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &parseError);
-    if (parseError.error != QJsonParseError::NoError)
-        return Error{u'"' + path + u"\" is not JSON: "_s + parseError.errorString() +
-                     u" at offset "_s + QString::number(parseError.offset)};
-    // A parsed document holds an object or an array; the timetable takes an array only.
-    if (!document.isArray())
+    const DecodedDocument document = decodeDocument(bytes);
+    if (document.error && document.error->kind == DocumentJsonError::Kind::NotJson)
+        return Error{u'"' + path + u"\" is not JSON: "_s + document.error->jsonError +
+                     u" at offset "_s + QString::number(document.error->offset)};
+    // JSON that Qt decodes holds an object or an array; the timetable takes an array only.
+    if (document.error)
         return Error{u'"' + path +
                      u"\" is not an event document: its top-level value is an object, not an "
                      u"array of sections"_s};
-    return document.array();
+    return document.sections;
 }
 
 // The element of the top-level array with the given number: a kept section or the reason
@@ -322,7 +311,8 @@ void writeExport(QTextStream &out, QTextStream &err, const ParsedDocument &parse
     err.flush();
     // The same road as the window's export: the day's chat-link occurrences of the sections in
     // their list order, written as the suite file holds them.
-    out << QString::fromUtf8(suiteJson(globalSequence(parsed.sections, day.zone), day.now));
+    out << QString::fromUtf8(
+        suiteText(sharedSuite(globalSequence(parsed.sections, day.zone), day.now)));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // eventtimer-next: the next chat-link events of today, for a desktop panel.
-#include "data/suiteformat.h"
 #include "next/next.h"
+#include "suite/suiteformat.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,10 +1,11 @@
 #include "next/next.h"
 
-#include "data/suiteformat.h"
+#include "model/oneline.h"
+
+#include "cli/atoption.h"
+#include "version.h"
 
 #include <QCommandLineParser>
-#include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -18,7 +19,6 @@ namespace {
 
 constexpr int dayMinutes = 24 * 60;
 constexpr qint64 soonSeconds = 10 * 60;
-constexpr qint64 maxSuiteBytes = 16 * 1024 * 1024;
 
 enum class Format
 {
@@ -94,13 +94,11 @@ Result<Options> parseOptions(const QStringList &arguments, const QTimeZone &zone
     if (!countOk || options.count < 1)
         return Error{u"--count takes a number from 1 up"_s};
     if (parser.isSet(atOption)) {
-        QDateTime at = QDateTime::fromString(parser.value(atOption), Qt::ISODate);
-        if (!at.isValid())
-            return Error{u"--at: \""_s + parser.value(atOption) +
-                         u"\" is not an ISO 8601 date-time such as 2026-11-22T21:08:00"_s};
-        if (at.timeSpec() == Qt::LocalTime)
-            at = QDateTime(at.date(), at.time(), zone);
-        options.at = at;
+        const Result<QDateTime> at =
+            cli::parseAtOption(parser.value(atOption), zone, u"2026-11-22T21:08:00");
+        if (!at)
+            return Error{at.error()};
+        options.at = at.value();
     }
     options.strict = parser.isSet(strictOption);
     options.watch = parser.isSet(watchOption);
@@ -109,17 +107,8 @@ Result<Options> parseOptions(const QStringList &arguments, const QTimeZone &zone
     return options;
 }
 
-// Names and links come from the network. For a panel they stay on one line...
-QString oneLine(QString text)
-{
-    for (QChar &c : text)
-        if (c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
-            c == QChar::ParagraphSeparator)
-            c = u' ';
-    return text;
-}
-
-// ...and are inert where a panel reads markup: Pango for waybar, polybar's "%{" tags.
+// Names and links come from the network: for a panel they stay on one line, and are inert
+// where a panel reads markup: Pango for waybar, polybar's "%{" tags.
 QString markupEscaped(const QString &text)
 {
     QString escaped = oneLine(text).toHtmlEscaped();
@@ -154,13 +143,13 @@ QString soonText(const Upcoming &next, const QDateTime &now)
 
 QString headline(const Upcoming &next, const QDateTime &now)
 {
-    return next.entry->name + u' ' + next.start + u" ("_s + soonText(next, now) + u')';
+    return next.name + u' ' + next.start + u" ("_s + soonText(next, now) + u')';
 }
 
 QString detail(const Upcoming &event)
 {
-    return event.start + u"  "_s + event.entry->name + u" \u2014 "_s + event.entry->section +
-           u"  "_s + event.entry->chatLink;
+    return event.start + u"  "_s + event.name + u" \u2014 "_s + event.section + u"  "_s +
+           event.chatLink;
 }
 
 void writeWaybar(QTextStream &out, const QString &text, const QString &tooltip,
@@ -174,7 +163,7 @@ void writeWaybar(QTextStream &out, const QString &text, const QString &tooltip,
 // letters mean nothing to a shell, inside a command of our own.
 QString argosCopyItem(const Upcoming &event)
 {
-    const QString base64 = QString::fromLatin1(event.entry->chatLink.toUtf8().toBase64());
+    const QString base64 = QString::fromLatin1(event.chatLink.toUtf8().toBase64());
     return argosInert(detail(event)) + u" | bash='printf %s "_s + base64 +
            u" | base64 -d | (wl-copy 2>/dev/null || xclip -selection clipboard)' "
            u"terminal=false useMarkup=false unescape=false emojize=false"_s;
@@ -185,7 +174,7 @@ int writeFeed(const Options &options, QTextStream &out, const QDateTime &now, co
 {
     QString problem;
     QList<Upcoming> events;
-    const Result<Suite> suite = readSuite(suitePath);
+    const Result<SuiteFile> suite = readSuite(suitePath);
     if (!suite) {
         problem = suite.error();
     } else if (suite.value().writtenAt.toTimeZone(zone).date() != now.toTimeZone(zone).date()) {
@@ -234,53 +223,20 @@ int writeFeed(const Options &options, QTextStream &out, const QDateTime &now, co
 
 } // namespace
 
-Result<Suite> readSuite(const QString &path)
-{
-    QFile file(path);
-    if (!file.exists())
-        return Error{u"no timetable yet (start Event Timer once)"_s};
-    if (!file.open(QIODevice::ReadOnly) || file.size() > maxSuiteBytes)
-        return Error{u"cannot read "_s + path};
-    const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
-    const QJsonArray times = object.value(suitekeys::times).toArray();
-    const QJsonArray names = object.value(suitekeys::sequence).toArray();
-    const QJsonArray sections = object.value(suitekeys::sections).toArray();
-    const QJsonArray links = object.value(suitekeys::chatLinks).toArray();
-    Suite suite;
-    suite.axisDayStart =
-        QDateTime::fromString(object.value(suitekeys::axisDayStart).toString(), Qt::ISODate);
-    suite.writtenAt =
-        QDateTime::fromString(object.value(suitekeys::writtenAt).toString(), Qt::ISODate);
-    const auto damaged = [&] {
-        return Error{path + u" is damaged"_s};
-    };
-    if (!suite.writtenAt.isValid() || !suite.axisDayStart.isValid() ||
-        names.size() != times.size() || sections.size() != times.size() ||
-        links.size() != times.size())
-        return damaged();
-    for (qsizetype i = 0; i < times.size(); ++i) {
-        if (!times.at(i).isDouble() || !names.at(i).isString() || !sections.at(i).isString() ||
-            !links.at(i).isString())
-            return damaged();
-        suite.entries.append({times.at(i).toInteger(), names.at(i).toString(),
-                              sections.at(i).toString(), links.at(i).toString()});
-    }
-    return suite;
-}
-
-QList<Upcoming> upcoming(const Suite &suite, const QDateTime &now, const QTimeZone &zone)
+QList<Upcoming> upcoming(const SuiteFile &suite, const QDateTime &now, const QTimeZone &zone)
 {
     const QDateTime local = now.toTimeZone(zone);
     const qint64 offsetMinutes = zone.offsetFromUtc(now) / 60;
     QList<Upcoming> events;
-    for (const Entry &entry : suite.entries) {
+    for (qsizetype i = 0; i < suite.times.size(); ++i) {
         // The box's minute on the axis, shown shifted by the present offset, as its time text.
-        const qint64 minute = (entry.time / 60 + offsetMinutes) % dayMinutes;
+        const qint64 minute = (suite.times.at(i) / 60 + offsetMinutes) % dayMinutes;
         const int shown = static_cast<int>((minute + dayMinutes) % dayMinutes);
         const QTime start(shown / 60, shown % 60);
         const QDateTime due(local.date(), start, zone);
         if (due.secsTo(now) < 60)
-            events.append({&entry, due, start.toString(u"HH:mm")});
+            events.append({suite.sequence.at(i), suite.sections.at(i), suite.chatLinks.at(i), due,
+                           start.toString(u"HH:mm")});
     }
     std::stable_sort(events.begin(), events.end(),
                      [](const Upcoming &a, const Upcoming &b) { return a.due < b.due; });

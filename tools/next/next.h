@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/result.h"
+#include "suite/suitefile.h"
 
 #include <QDateTime>
 #include <QList>
@@ -10,29 +10,13 @@
 
 namespace eventtimer::next {
 
-// One chat-link occurrence of the shared suite.
-struct Entry
+// A chat-link occurrence of the suite on its way: when the window's marker reaches its box, and
+// the "HH:mm" its box shows.
+struct Upcoming
 {
-    qint64 time = 0; // seconds from the start of the day, as the timetable registers it
     QString name;
     QString section;
     QString chatLink;
-};
-
-struct Suite
-{
-    QList<Entry> entries;
-    QDateTime axisDayStart;
-    QDateTime writtenAt;
-};
-
-// The suite file: why not when it is missing or damaged.
-Result<Suite> readSuite(const QString &path);
-
-// An entry on the way: when the window's marker reaches its box, and the "HH:mm" its box shows.
-struct Upcoming
-{
-    const Entry *entry = nullptr;
     QDateTime due;
     QString start;
 };
@@ -40,7 +24,7 @@ struct Upcoming
 // The entries still to come today from now, in the order they fall due, the one that started
 // less than a minute ago first. The time axis is the UTC day and a box shows its minute shifted
 // by the zone's present offset; a local day meets each box once, at the time it shows.
-QList<Upcoming> upcoming(const Suite &suite, const QDateTime &now, const QTimeZone &zone);
+QList<Upcoming> upcoming(const SuiteFile &suite, const QDateTime &now, const QTimeZone &zone);
 
 // eventtimer-next [--format plain|waybar|argos] [--count N] [--at DATETIME] [--strict] [--watch]
 // The lines for a panel at now, written to out; problems with the command line to err. Returns

@@ -1,9 +1,10 @@
-#include "data/suiteexport.h"
+#include "suite/suitefile.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimeZone>
 
 using namespace eventtimer;
 using namespace Qt::StringLiterals;
@@ -14,17 +15,16 @@ namespace {
 const QString hostile = u"[&x]'; echo injected; '"_s;
 
 // Dawn Raid at 00:00, Ember Wyrm at 21:00 and Tide <b> at 21:20 on the UTC axis, as the window
-// writes it on the day given.
+// writes it at 06:00 UTC on the day given.
 QByteArray suite(int day = 22)
 {
-    GlobalSequence sequence;
-    for (const auto &[seconds, name, link] :
-         {std::tuple{0, u"Dawn Raid"_s, u"[&A]"_s}, std::tuple{75600, u"Ember Wyrm"_s, hostile},
-          std::tuple{76800, u"Tide <b>"_s, u"[&C]"_s}})
-        registerEvent(
-            sequence, seconds,
-            std::make_shared<Event>(Event{.name = name, .chatLink = link, .section = u"Peaks"_s}));
-    return suiteJson(sequence, QDateTime(QDate(2026, 11, day), QTime(6, 0), QTimeZone::utc()));
+    return suiteText(
+        {.times = {0, 75600, 76800},
+         .sequence = {u"Dawn Raid"_s, u"Ember Wyrm"_s, u"Tide <b>"_s},
+         .sections = {u"Peaks"_s, u"Peaks"_s, u"Peaks"_s},
+         .chatLinks = {u"[&A]"_s, hostile, u"[&C]"_s},
+         .axisDayStart = QDateTime(QDate(2026, 11, day), QTime(0, 0), QTimeZone::utc()),
+         .writtenAt = QDateTime(QDate(2026, 11, day), QTime(6, 0), QTimeZone::utc())});
 }
 
 // The real program, as a panel runs it, on 2026-11-22 at the local time given ("HH:mm[:ss]",

@@ -7,7 +7,7 @@
 
 namespace eventtimer {
 
-// The answer of an asynchronous call, waited for in a local event loop: for tools and tests.
+// The answer of an asynchronous call, waited for in a local event loop.
 // start(done) begins the call, which hands its answer to done, at once or from the event loop.
 template <typename Answer, typename Start> Answer waitFor(Start start)
 {

@@ -1,6 +1,6 @@
-// eventtimer-eventservice: serves an event document and a folder of icons on loopback, for the
+// eventtimer-localeventservice: serves an event document and a folder of icons on loopback, for the
 // demo and for trying documents out.
-#include "eventservice/eventservice.h"
+#include "localeventservice/localeventservice.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(u"eventtimer-eventservice"_s);
+    QCoreApplication::setApplicationName(u"eventtimer-localeventservice"_s);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -41,11 +41,12 @@ int main(int argc, char *argv[])
     QTextStream err(stderr);
     const QStringList positional = parser.positionalArguments();
     if (positional.size() != 1) {
-        err << "eventtimer-eventservice: give exactly one document file (see --help)" << Qt::endl;
+        err << "eventtimer-localeventservice: give exactly one document file (see --help)"
+            << Qt::endl;
         return 2;
     }
     if (!QFileInfo(positional.first()).isReadable()) {
-        err << "eventtimer-eventservice: cannot read " << positional.first() << Qt::endl;
+        err << "eventtimer-localeventservice: cannot read " << positional.first() << Qt::endl;
         return 2;
     }
     bool portOk = false;
@@ -53,22 +54,23 @@ int main(int argc, char *argv[])
     bool delayOk = false;
     const int delayMs = parser.value(delay).toInt(&delayOk);
     if (!portOk || portNumber > 65535 || !delayOk || delayMs < 0) {
-        err << "eventtimer-eventservice: --port takes 0 to 65535 and --delay a number of "
+        err << "eventtimer-localeventservice: --port takes 0 to 65535 and --delay a number of "
                "milliseconds"
             << Qt::endl;
         return 2;
     }
 
-    eventtimer::EventService service;
+    eventtimer::LocalEventService service;
     if (parser.isSet(certificate) != parser.isSet(key)) {
-        err << "eventtimer-eventservice: --certificate and --key go together" << Qt::endl;
+        err << "eventtimer-localeventservice: --certificate and --key go together" << Qt::endl;
         return 2;
     }
     if (parser.isSet(certificate)) {
         QFile certificateFile(parser.value(certificate));
         QFile keyFile(parser.value(key));
         if (!certificateFile.open(QIODevice::ReadOnly) || !keyFile.open(QIODevice::ReadOnly)) {
-            err << "eventtimer-eventservice: cannot read the certificate or its key" << Qt::endl;
+            err << "eventtimer-localeventservice: cannot read the certificate or its key"
+                << Qt::endl;
             return 2;
         }
         const QByteArray keyText = keyFile.readAll();
@@ -82,7 +84,7 @@ int main(int argc, char *argv[])
         service.setFilesFolder(parser.value(files));
     service.setBehaviour(u"*"_s, {.delayMs = delayMs});
     if (!service.listen(static_cast<quint16>(portNumber))) {
-        err << "eventtimer-eventservice: cannot listen on port " << portNumber << Qt::endl;
+        err << "eventtimer-localeventservice: cannot listen on port " << portNumber << Qt::endl;
         return 1;
     }
     QTextStream(stdout) << service.baseUrl().toString() << Qt::endl;
