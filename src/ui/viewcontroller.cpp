@@ -5,6 +5,7 @@
 #include "model/wikipage.h"
 #include "timetable/find.h"
 #include "timetable/layoutconstants.h"
+#include "timetable/revealscroll.h"
 #include "timetable/timebase.h"
 #include "ui/categorybox.h"
 #include "ui/eventhook.h"
@@ -533,29 +534,18 @@ void ViewController::revealBox(qsizetype box)
 {
     if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
         return;
-    // Room around the box, so that its focus ring does not touch the edge of the view.
-    constexpr double padding = 8.0;
     const QRectF rect = m_horizontalScrollContent->boxes().at(box).rect;
-
-    // Sideways: as much of the box as the view holds. A box that shows that much already
-    // stays where it is, even a long one seen only in its middle; otherwise its start comes
-    // into view, where its name and time are.
-    const double viewportLeft = m_horizontalScroll->horizontalScrollBar()->value();
-    const double viewportWidth = m_horizontalScroll->viewport()->width();
-    const double needed = std::min(rect.width(), std::max(0.0, viewportWidth - 2 * padding));
-    const double shown =
-        std::min(rect.right(), viewportLeft + viewportWidth) - std::max(rect.left(), viewportLeft);
-    if (shown < needed)
-        m_horizontalScroll->ensureVisible(qRound(rect.left() + needed / 2),
-                                          qRound(rect.center().y()), qRound(needed / 2 + padding),
-                                          0);
-
-    // Up and down: the whole box, in the coordinates of the vertically scrolling content.
+    QScrollBar *sideways = m_horizontalScroll->horizontalScrollBar();
+    sideways->setValue(RevealScroll::sideways(
+        rect, {sideways->value(), m_horizontalScroll->viewport()->width(), sideways->maximum()}));
+    // Up and down in the coordinates of the vertically scrolling content.
     const int top =
         m_horizontalScrollContent->mapTo(m_verticalScrollContent, QPoint(0, qFloor(rect.top())))
             .y();
-    const int halfHeight = qCeil(rect.height() / 2);
-    m_verticalScroll->ensureVisible(0, top + halfHeight, 0, halfHeight + qRound(padding));
+    QScrollBar *upright = m_verticalScroll->verticalScrollBar();
+    upright->setValue(RevealScroll::upright(
+        top, rect.height(),
+        {upright->value(), m_verticalScroll->viewport()->height(), upright->maximum()}));
 }
 
 } // namespace eventtimer

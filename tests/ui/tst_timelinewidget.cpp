@@ -311,14 +311,13 @@ private Q_SLOTS:
         if (keys.isEmpty())
             QCOMPARE(QPoint(window.sideways()->value(), window.upright()->value()), before);
 
-        // As much of it as each view holds, with room for the ring.
+        // In view, all its height (how far each area scrolls: see RevealScroll).
         const QRect rect = timeline.boxes().at(*timeline.currentBox()).rect.toAlignedRect();
         const auto shown = [&](const QScrollArea *area) {
             return QRect(timeline.mapTo(area->viewport(), rect.topLeft()), rect.size()) &
                    area->viewport()->rect();
         };
-        const HorizontalScroll *day = window.controller().horizontalScroll();
-        QCOMPARE_GE(shown(day).width(), std::min(rect.width() - 1, day->viewport()->width() - 16));
+        QVERIFY(!shown(window.controller().horizontalScroll()).isEmpty());
         QCOMPARE(shown(timetable).height(), rect.height());
     }
 
