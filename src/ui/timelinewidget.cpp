@@ -1,6 +1,7 @@
 #include "ui/timelinewidget.h"
 
 #include "model/event.h"
+#include "timetable/hittest.h"
 #include "timetable/hourruler.h"
 #include "ui/timelineaccessible.h"
 
@@ -100,25 +101,12 @@ void TimelineWidget::setFindState(std::optional<QList<qsizetype>> matches,
 
 std::optional<qsizetype> TimelineWidget::boxAt(QPointF point) const
 {
-    // Later boxes are painted over earlier ones, so the last hit is the one seen.
-    for (qsizetype i = m_boxes.size() - 1; i >= 0; --i)
-        if (m_boxes.at(i).rect.contains(point))
-            return i;
-    return std::nullopt;
+    return eventtimer::boxAt(m_boxes, point);
 }
 
 QRectF TimelineWidget::copyButtonRect(qsizetype box) const
 {
-    return EventBoxGeometry::copyButtonRect(m_boxes.at(box).rect, EventBoxPainter::copyButtonSize);
-}
-
-std::optional<qsizetype> TimelineWidget::copyButtonAt(QPointF point) const
-{
-    const std::optional<qsizetype> box = boxAt(point);
-    if (!box || !m_boxes.at(*box).event().chatLink)
-        return std::nullopt;
-    const QRectF button = copyButtonRect(*box).intersected(m_boxes.at(*box).rect);
-    return button.contains(point) ? box : std::nullopt;
+    return eventtimer::copyButtonRect(m_boxes.at(box));
 }
 
 QColor TimelineWidget::veil(float opacity) const
@@ -235,7 +223,7 @@ void TimelineWidget::setHovered(std::optional<qsizetype> button)
 
 void TimelineWidget::mouseMoveEvent(QMouseEvent *event)
 {
-    setHovered(copyButtonAt(event->position()));
+    setHovered(copyButtonAt(m_boxes, event->position()));
     QWidget::mouseMoveEvent(event);
 }
 
@@ -245,7 +233,7 @@ void TimelineWidget::mousePressEvent(QMouseEvent *event)
         // A click moves the focus ring to the box under it; the box is in view already.
         if (const std::optional<qsizetype> box = boxAt(event->position()))
             setCurrent(*box, Reveal::No);
-        if (const std::optional<qsizetype> button = copyButtonAt(event->position())) {
+        if (const std::optional<qsizetype> button = copyButtonAt(m_boxes, event->position())) {
             m_pressedButton = button;
             invalidateBox(*button);
             return;
@@ -261,7 +249,7 @@ void TimelineWidget::mouseReleaseEvent(QMouseEvent *event)
         m_pressedButton.reset();
         invalidateBox(pressed);
         // Like a push button: it acts when released over the button it was pressed on.
-        if (copyButtonAt(event->position()) == pressed)
+        if (copyButtonAt(m_boxes, event->position()) == pressed)
             Q_EMIT copyRequested(pressed);
         return;
     }
@@ -477,7 +465,7 @@ bool TimelineWidget::event(QEvent *event)
     if (event->type() == QEvent::ToolTip) {
         auto *help = static_cast<QHelpEvent *>(event);
         const QPointF point = help->pos();
-        if (const std::optional<qsizetype> button = copyButtonAt(point)) {
+        if (const std::optional<qsizetype> button = copyButtonAt(m_boxes, point)) {
             QToolTip::showText(help->globalPos(),
                                plainToolTip(*m_boxes.at(*button).event().chatLink), this,
                                copyButtonRect(*button).toAlignedRect());

@@ -35,9 +35,8 @@ public:
     void setMarkerX(double x);
     std::optional<double> markerX() const { return m_markerX; }
 
-    // The box under a point, and whether the point is on its copy button.
+    // The box under a point, and where its copy button is.
     std::optional<qsizetype> boxAt(QPointF point) const;
-    std::optional<qsizetype> copyButtonAt(QPointF point) const;
     QRectF copyButtonRect(qsizetype box) const;
 
     // The box that carries the keyboard focus ring while the timeline has the focus.
