@@ -13,7 +13,6 @@
 #include <QAction>
 #include <QClipboard>
 #include <QDesktopServices>
-#include <QGraphicsDropShadowEffect>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLocale>
@@ -131,23 +130,6 @@ void ViewController::loadView()
     m_statusMessage->setForegroundRole(QPalette::PlaceholderText);
     m_statusMessage->hide();
     layout->addWidget(m_statusMessage, 1);
-
-    m_clipboardMessage = new QFrame(m_view);
-    m_clipboardMessage->setFrameShape(QFrame::StyledPanel);
-    m_clipboardMessage->setAutoFillBackground(true);
-    auto *messageLayout = new QHBoxLayout(m_clipboardMessage);
-    messageLayout->addWidget(
-        plainLabel(u"Chat link copied to the clipboard"_s, m_clipboardMessage));
-    m_clipboardMessage->adjustSize();
-    m_clipboardMessage->hide();
-    const auto placeMessage = [this] {
-        const QSize size = m_clipboardMessage->sizeHint();
-        m_clipboardMessage->setGeometry((m_view->width() - size.width()) / 2,
-                                        m_view->height() - size.height() -
-                                            W::clipboardMessageBottom,
-                                        size.width(), size.height());
-    };
-    new EventHook(m_view, QEvent::Resize, placeMessage);
 }
 
 void ViewController::viewDidLoad()
@@ -252,11 +234,7 @@ void ViewController::buildTimetable()
 void ViewController::setUpClipboardMessage()
 {
     // The clipboard message waits, hidden, with its shadow.
-    auto *shadow = new QGraphicsDropShadowEffect(m_clipboardMessage);
-    shadow->setBlurRadius(10.0);
-    shadow->setColor(Qt::black);
-    m_clipboardMessage->setGraphicsEffect(shadow);
-    m_clipboardMessage->hide();
+    m_clipboardMessage = new ClipboardMessage(m_clock, m_view);
 }
 
 void ViewController::setUpClock()
@@ -382,12 +360,13 @@ void ViewController::timeUpdate()
     updateCurrentTime();
 }
 
-void ViewController::copyToClipboardWithSender(qsizetype box)
+void ViewController::copyToClipboardWithSender(qsizetype pressedBox)
 {
-    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
+    if (!m_horizontalScrollContent || pressedBox < 0 ||
+        pressedBox >= m_horizontalScrollContent->boxes().size())
         return;
     const std::optional<QString> &link =
-        m_horizontalScrollContent->boxes().at(box).event().chatLink;
+        m_horizontalScrollContent->boxes().at(pressedBox).event().chatLink;
     if (!link)
         return;
     copyChatLink(*link);
@@ -398,13 +377,8 @@ void ViewController::copyChatLink(const QString &link)
     // One plain-text item, which replaces whatever the clipboard held. An empty link is
     // copied as it is, and the message shows all the same.
     QGuiApplication::clipboard()->setText(link);
-    if (!m_view || !m_view->isVisible())
-        return;
-    m_clipboardMessage->show();
-    m_clipboardMessage->raise();
-    // Every copy schedules its own hide and none is ever cancelled: the earliest one pending
-    // ends the showing, even right after a later copy.
-    m_clock.callAfter(clipboardMessageInterval, this, [this] { hideClipboardMessage(); });
+    if (m_view && m_view->isVisible() && m_clipboardMessage)
+        m_clipboardMessage->showCopied();
 }
 
 void ViewController::setReminderChoices(ReminderChoices *choices)
@@ -522,12 +496,6 @@ void ViewController::closeFind()
         m_verticalScroll->verticalScrollBar()->setValue(m_scrollBeforeFind->y());
         m_scrollBeforeFind.reset();
     }
-}
-
-void ViewController::hideClipboardMessage()
-{
-    if (m_clipboardMessage)
-        m_clipboardMessage->hide();
 }
 
 void ViewController::revealBox(qsizetype box)

@@ -2,6 +2,7 @@
 
 #include "model/section.h"
 #include "timetable/timetablelayout.h"
+#include "ui/clipboardmessage.h"
 #include "ui/findbar.h"
 #include "ui/hourrulerwidget.h"
 #include "ui/scroll/horizontalscroll.h"
@@ -41,8 +42,6 @@ Q_SIGNALS:
 
 public:
     static constexpr std::chrono::milliseconds timeUpdateInterval{60000};
-    // How long the clipboard message shows after each copy.
-    static constexpr std::chrono::milliseconds clipboardMessageInterval{3000};
 
     explicit ViewController(Clock &clock, QObject *parent = nullptr);
     ~ViewController() override;
@@ -68,11 +67,11 @@ public:
     // What the 60-second timer calls.
     void timeUpdate();
 
-    // The slot of a box's copy button (the timeline's copyRequested): its event's chat link
-    // becomes the clipboard's only content, as plain text, and the clipboard message shows
-    // until the earliest pending hide. A box whose event has no chat link has no button.
-    void copyToClipboardWithSender(qsizetype box);
-    void hideClipboardMessage();
+    // The slot of a box's copy button (the timeline's copyRequested), its sender the box whose
+    // button was pressed: its event's chat link becomes the clipboard's only content, as plain
+    // text, and the clipboard message shows until the earliest pending hide. A box whose event
+    // has no chat link has no button.
+    void copyToClipboardWithSender(qsizetype pressedBox);
     // A chat link onto the clipboard as the copy button puts it, from elsewhere (a
     // notification): the message shows while the window is visible.
     void copyChatLink(const QString &link);
@@ -102,7 +101,8 @@ public:
     QWidget *sectionsView() const { return m_sectionsView; }
     TimelineWidget *horizontalScrollContent() const { return m_horizontalScrollContent; }
     HorizontalScroll *horizontalScroll() const { return m_horizontalScroll; }
-    QFrame *clipboardMessage() const { return m_clipboardMessage; }
+    // Absent until the timetable is built.
+    ClipboardMessage *clipboardMessage() const { return m_clipboardMessage; }
     QLabel *emptyMessage() const { return m_emptyMessage; }
     // Under the empty message: why nothing could be loaded; while loading: what is loading.
     QLabel *statusMessage() const { return m_statusMessage; }
@@ -146,7 +146,7 @@ private:
     QPointer<QWidget> m_sectionsView;
     QPointer<TimelineWidget> m_horizontalScrollContent;
     QPointer<HorizontalScroll> m_horizontalScroll;
-    QPointer<QFrame> m_clipboardMessage;
+    QPointer<ClipboardMessage> m_clipboardMessage;
     QPointer<QLabel> m_emptyMessage;
     QPointer<QLabel> m_statusMessage;
     QPointer<FindBar> m_findBar;
