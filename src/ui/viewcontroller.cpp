@@ -7,7 +7,6 @@
 #include "timetable/layoutconstants.h"
 #include "timetable/revealscroll.h"
 #include "timetable/timebase.h"
-#include "ui/categorybox.h"
 #include "ui/eventhook.h"
 
 #include <QAction>
@@ -30,7 +29,6 @@ namespace eventtimer {
 namespace {
 
 using C = LayoutConstants;
-using W = WindowConstants;
 
 QLabel *plainLabel(const QString &text, QWidget *parent)
 {
@@ -106,7 +104,7 @@ void ViewController::loadView()
     auto *row = new QHBoxLayout(m_verticalScrollContent);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
-    m_sectionsView = new QWidget(m_verticalScrollContent);
+    m_sectionsView = new SectionColumn(m_verticalScrollContent);
     m_horizontalScroll = new HorizontalScroll(m_verticalScrollContent);
     // The timeline inside takes the keys and scrolls the area itself; the area would only be
     // one more stop on the way there.
@@ -168,54 +166,6 @@ void ViewController::viewDidAppear()
         buildTimetable();
 }
 
-QSize ViewController::labelSize(const QString &name) const
-{
-    // The natural size of a plain, right-aligned label showing the name. Shaping a text is the
-    // costliest part of a build: each name is measured once.
-    auto known = m_labelSizes.constFind(name);
-    if (known == m_labelSizes.cend())
-        known = m_labelSizes.insert(name, QFontMetrics(m_sectionsView->font())
-                                              .boundingRect(QRect(), Qt::AlignRight, name)
-                                              .size());
-    return *known;
-}
-
-double ViewController::labelHeight(const QString &name) const
-{
-    return labelSize(name).height();
-}
-
-int ViewController::sectionColumnWidth() const
-{
-    const QFontMetrics metrics(m_sectionsView->font());
-    int widest = 0;
-    for (const auto &section : m_sections) {
-        widest = std::max(widest, labelSize(section->name).width());
-        widest =
-            std::max(widest, metrics.horizontalAdvance(section->category) + W::categoryTitleRoom);
-    }
-    // The labels sit two margins inside their boxes, which sit inside the column.
-    const int needed = widest + static_cast<int>(4 * C::boxMargin + 2 * C::categoryDistance) +
-                       W::sectionColumnSlack;
-    return std::clamp(needed, W::minSectionColumnWidth, W::maxSectionColumnWidth);
-}
-
-void ViewController::placeSectionColumn()
-{
-    const double width = m_sectionsView->width();
-    for (qsizetype i = 0; i < m_geometry.categoryBoxes.size(); ++i) {
-        const CategoryBoxGeometry &geometry = m_geometry.categoryBoxes.at(i);
-        QGroupBox *box = m_categories.value(geometry.title);
-        box->setGeometry(geometry.rect(width).toAlignedRect());
-    }
-    for (qsizetype i = 0; i < m_geometry.sectionLabels.size(); ++i) {
-        const SectionLabelGeometry &geometry = m_geometry.sectionLabels.at(i);
-        const QRectF box = m_geometry.categoryBoxes.at(geometry.categoryBox).rect(width);
-        m_sectionLabels.at(i)->setGeometry(
-            geometry.rect(width).translated(-box.topLeft()).toAlignedRect());
-    }
-}
-
 void ViewController::buildTimetable()
 {
     view();
@@ -260,30 +210,14 @@ void ViewController::layOutSections()
     m_builtAt = m_clock.now();
     m_geometry = TimetableLayout::build(
         m_sections, m_clock.zone(), m_builtAt,
-        [this](const QString &name) { return labelHeight(name); }, m_followingDay);
+        [this](const QString &name) { return m_sectionsView->labelHeight(name); }, m_followingDay);
 }
 
 void ViewController::buildSectionColumn()
 {
-    // Category boxes and their labels are real widgets: a few dozen at most.
-    const int columnWidth = sectionColumnWidth();
-    m_sectionsView->setFixedWidth(columnWidth);
-    m_rulerIndent->setFixedWidth(columnWidth);
-    for (const CategoryBoxGeometry &geometry : std::as_const(m_geometry.categoryBoxes)) {
-        auto *box = new CategoryBox(geometry.title, m_sectionsView);
-        m_categories.insert(geometry.title, box);
-        box->show(); // the column may already be on screen
-    }
-    for (const SectionLabelGeometry &geometry : std::as_const(m_geometry.sectionLabels)) {
-        const CategoryBoxGeometry &category = m_geometry.categoryBoxes.at(geometry.categoryBox);
-        QLabel *label = plainLabel(geometry.text, m_categories.value(category.title));
-        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        label->setToolTip(geometry.text.toHtmlEscaped());
-        label->show();
-        m_sectionLabels.append(label);
-    }
-    placeSectionColumn();
-    new EventHook(m_sectionsView, QEvent::Resize, [this] { placeSectionColumn(); });
+    m_sectionsView->build(m_geometry);
+    // The ruler's hours start where the time axis does.
+    m_rulerIndent->setFixedWidth(m_sectionsView->width());
 }
 
 void ViewController::buildTimeline()

@@ -6,6 +6,7 @@
 #include "ui/findbar.h"
 #include "ui/hourrulerwidget.h"
 #include "ui/scroll/horizontalscroll.h"
+#include "ui/sectioncolumn.h"
 #include "ui/timelinewidget.h"
 
 #include <QFrame>
@@ -98,7 +99,7 @@ public:
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
     QWidget *verticalScrollContent() const { return m_verticalScrollContent; }
-    QWidget *sectionsView() const { return m_sectionsView; }
+    SectionColumn *sectionsView() const { return m_sectionsView; }
     TimelineWidget *horizontalScrollContent() const { return m_horizontalScrollContent; }
     HorizontalScroll *horizontalScroll() const { return m_horizontalScroll; }
     // Absent until the timetable is built.
@@ -108,7 +109,7 @@ public:
     QLabel *statusMessage() const { return m_statusMessage; }
 
     const SectionList &sections() const { return m_sections; }
-    const QHash<QString, QGroupBox *> &categories() const { return m_categories; }
+    const QHash<QString, QGroupBox *> &categories() const { return m_sectionsView->categories(); }
     std::optional<double> timeConstraint() const { return m_timeConstraint; }
     QLabel *timeLabel() const { return m_timeLabel; }
     bool isBuilt() const { return m_built; }
@@ -129,10 +130,6 @@ private:
     void showMarks();
     void findQueryChanged(const QString &query);
     void showFind();
-    void placeSectionColumn();
-    QSize labelSize(const QString &name) const;
-    double labelHeight(const QString &name) const;
-    int sectionColumnWidth() const;
     // Scrolls both areas so that the box with the keyboard's focus ring is in view.
     void revealBox(qsizetype box);
 
@@ -143,7 +140,7 @@ private:
     QPointer<QWidget> m_view;
     QPointer<QScrollArea> m_verticalScroll;
     QPointer<QWidget> m_verticalScrollContent;
-    QPointer<QWidget> m_sectionsView;
+    QPointer<SectionColumn> m_sectionsView;
     QPointer<TimelineWidget> m_horizontalScrollContent;
     QPointer<HorizontalScroll> m_horizontalScroll;
     QPointer<ClipboardMessage> m_clipboardMessage;
@@ -159,11 +156,8 @@ private:
 
     SectionList m_sections;
     SectionList m_followingDay;
-    mutable QHash<QString, QSize> m_labelSizes;
-    QHash<QString, QGroupBox *> m_categories;
     std::optional<double> m_timeConstraint;
     QPointer<QLabel> m_timeLabel;
-    QList<QLabel *> m_sectionLabels;
     TimetableGeometry m_geometry;
     QDateTime m_builtAt;
     bool m_loaded = false;
