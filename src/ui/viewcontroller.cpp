@@ -2,7 +2,6 @@
 
 #include "model/clock.h"
 #include "model/reminderchoices.h"
-#include "model/wikipage.h"
 #include "timetable/find.h"
 #include "timetable/layoutconstants.h"
 #include "timetable/revealscroll.h"
@@ -11,7 +10,6 @@
 
 #include <QAction>
 #include <QClipboard>
-#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLocale>
@@ -43,9 +41,12 @@ QLabel *plainLabel(const QString &text, QWidget *parent)
 ViewController::ViewController(Clock &clock, QObject *parent)
     : QObject(parent)
     , m_clock(clock)
+    , m_boxMenu(new BoxMenu(this))
     , m_timeLabel(new QLabel)
 {
     m_timeLabel->setTextFormat(Qt::PlainText);
+    connect(m_boxMenu, &BoxMenu::copyRequested, this, &ViewController::copyToClipboardWithSender);
+    connect(m_boxMenu, &BoxMenu::preferencesRequested, this, &ViewController::preferencesRequested);
 }
 
 ViewController::~ViewController()
@@ -236,7 +237,11 @@ void ViewController::buildTimeline()
     connect(m_horizontalScrollContent, &TimelineWidget::revealRequested, this,
             &ViewController::revealBox);
     connect(m_horizontalScrollContent, &TimelineWidget::menuRequested, this,
-            [this](qsizetype box, QPoint at) { boxMenu(box)->popup(at); });
+            [this](qsizetype box, QPoint at) {
+                const std::shared_ptr<Event> &event =
+                    m_horizontalScrollContent->boxes().at(box).item->event;
+                m_boxMenu->menuFor(box, event, m_view)->popup(at);
+            });
     connect(m_horizontalScrollContent, &TimelineWidget::markToggleRequested, this,
             [this](qsizetype box) {
                 if (m_choices)
@@ -318,6 +323,7 @@ void ViewController::copyChatLink(const QString &link)
 void ViewController::setReminderChoices(ReminderChoices *choices)
 {
     m_choices = choices;
+    m_boxMenu->setReminderChoices(choices);
     connect(choices, &ReminderChoices::changed, this, &ViewController::showMarks);
     showMarks();
 }
@@ -326,40 +332,6 @@ void ViewController::showMarks()
 {
     if (m_horizontalScrollContent && m_choices)
         m_horizontalScrollContent->setMarkedNames(m_choices->markedSet());
-}
-
-QMenu *ViewController::boxMenu(qsizetype box)
-{
-    auto *menu = new QMenu(m_view);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
-        return menu;
-    const std::shared_ptr<Event> event = m_horizontalScrollContent->boxes().at(box).item->event;
-    QAction *copyLink =
-        menu->addAction(u"Copy chat link"_s, this, [this, box] { copyToClipboardWithSender(box); });
-    copyLink->setEnabled(event->chatLink.has_value());
-    menu->addAction(u"Copy name"_s, this,
-                    [event] { QGuiApplication::clipboard()->setText(event->name); });
-    if (!m_wikiPageUrl.isEmpty()) {
-        const std::optional<QUrl> page = wikiPageUrl(m_wikiPageUrl, event->wiki);
-        QAction *open = menu->addAction(u"Open wiki page"_s, this, [page] {
-            if (page)
-                QDesktopServices::openUrl(*page);
-        });
-        open->setEnabled(page.has_value());
-    }
-    if (m_choices) {
-        menu->addSeparator();
-        QAction *remind = menu->addAction(u"Remind me of "_s + event->name, this, [this, event] {
-            if (m_choices)
-                m_choices->toggle(event->name);
-        });
-        remind->setCheckable(true);
-        remind->setChecked(m_choices->isMarked(event->name));
-        menu->addAction(u"Reminder preferences\u2026"_s, this,
-                        [this] { Q_EMIT preferencesRequested(); });
-    }
-    return menu;
 }
 
 void ViewController::openFind()

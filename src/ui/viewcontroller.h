@@ -2,6 +2,7 @@
 
 #include "model/section.h"
 #include "timetable/timetablelayout.h"
+#include "ui/boxmenu.h"
 #include "ui/clipboardmessage.h"
 #include "ui/findbar.h"
 #include "ui/hourrulerwidget.h"
@@ -13,7 +14,6 @@
 #include <QGroupBox>
 #include <QHash>
 #include <QLabel>
-#include <QMenu>
 #include <QObject>
 #include <QPointer>
 #include <QScrollArea>
@@ -81,7 +81,7 @@ public:
     void setReminderChoices(ReminderChoices *choices);
     // The settings' wiki address template ("https://…/{page}"): the box menu then opens an
     // event's wiki page.
-    void setWikiPageUrl(const QString &urlTemplate) { m_wikiPageUrl = urlTemplate; }
+    void setWikiPageUrl(const QString &urlTemplate) { m_boxMenu->setWikiPageUrl(urlTemplate); }
 
     // Find (Ctrl+F): the field above the axis; as it is typed in, the matching boxes stay clear
     // and the first from the marker on is shown; F3 and Enter go on, Shift+F3 back; Escape
@@ -92,10 +92,6 @@ public:
     // Absent until find is first opened.
     FindBar *findBar() const { return m_findBar; }
     HourRulerWidget *hourRuler() const { return m_hourRuler; }
-    // The menu of a box: copy the chat link or the name, open the wiki page, set or remove the
-    // event's reminder, the reminder preferences. The caller shows it; it deletes itself once
-    // closed.
-    QMenu *boxMenu(qsizetype box);
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
     QWidget *verticalScrollContent() const { return m_verticalScrollContent; }
@@ -135,7 +131,7 @@ private:
 
     Clock &m_clock;
     QPointer<ReminderChoices> m_choices;
-    QString m_wikiPageUrl;
+    BoxMenu *m_boxMenu = nullptr;
 
     QPointer<QWidget> m_view;
     QPointer<QScrollArea> m_verticalScroll;
