@@ -2,13 +2,11 @@
 
 #include "model/clock.h"
 #include "model/reminderchoices.h"
-#include "timetable/find.h"
 #include "timetable/layoutconstants.h"
 #include "timetable/revealscroll.h"
 #include "timetable/timebase.h"
 #include "ui/eventhook.h"
 
-#include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -82,16 +80,6 @@ void ViewController::loadView()
     rulerLayout->addWidget(m_hourRuler, 1);
     m_rulerRow->hide();
     layout->addWidget(m_rulerRow);
-    const auto addAction = [this](const QList<QKeySequence> &keys, auto slot) {
-        auto *action = new QAction(m_view);
-        action->setShortcuts(keys);
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        connect(action, &QAction::triggered, this, slot);
-        m_view->addAction(action);
-    };
-    addAction(QKeySequence::keyBindings(QKeySequence::Find), [this] { openFind(); });
-    addAction(QKeySequence::keyBindings(QKeySequence::FindNext), [this] { stepFind(true); });
-    addAction(QKeySequence::keyBindings(QKeySequence::FindPrevious), [this] { stepFind(false); });
 
     m_verticalScroll = new QScrollArea(m_view);
     m_verticalScroll->setWidgetResizable(true);
@@ -248,6 +236,11 @@ void ViewController::buildTimeline()
                     m_choices->toggle(m_horizontalScrollContent->boxes().at(box).event().name);
             });
     showMarks();
+    if (!m_sections.isEmpty()) {
+        m_find = new FindController(m_view, m_horizontalScrollContent, m_horizontalScroll,
+                                    m_verticalScroll, this);
+        connect(m_find, &FindController::revealRequested, this, &ViewController::revealBox);
+    }
 }
 
 void ViewController::sizeContents()
@@ -332,76 +325,6 @@ void ViewController::showMarks()
 {
     if (m_horizontalScrollContent && m_choices)
         m_horizontalScrollContent->setMarkedNames(m_choices->markedSet());
-}
-
-void ViewController::openFind()
-{
-    if (!m_built || m_sections.isEmpty())
-        return;
-    if (!m_findBar) {
-        // Made when first asked for: a start has no use for it.
-        m_findBar = new FindBar(m_view);
-        static_cast<QVBoxLayout *>(m_view->layout())->insertWidget(0, m_findBar);
-        connect(m_findBar, &FindBar::queryChanged, this, &ViewController::findQueryChanged);
-        connect(m_findBar, &FindBar::stepRequested, this, &ViewController::stepFind);
-        connect(m_findBar, &FindBar::closeRequested, this, &ViewController::closeFind);
-    }
-    if (!m_scrollBeforeFind)
-        m_scrollBeforeFind = QPoint(m_horizontalScroll->horizontalScrollBar()->value(),
-                                    m_verticalScroll->verticalScrollBar()->value());
-    m_findBar->show();
-    m_findBar->field()->setFocus(Qt::ShortcutFocusReason);
-    m_findBar->field()->selectAll();
-}
-
-void ViewController::findQueryChanged(const QString &query)
-{
-    const QList<EventBoxGeometry> &boxes = m_horizontalScrollContent->boxes();
-    m_findMatches = findMatches(boxes, query);
-    m_findCurrent = firstMatchFrom(boxes, m_findMatches, m_timeConstraint.value_or(0.0));
-    showFind();
-}
-
-void ViewController::stepFind(bool forward)
-{
-    if (!m_findBar || !m_findBar->isVisible()) {
-        openFind();
-        return;
-    }
-    if (!m_findCurrent)
-        return;
-    m_findCurrent = stepMatch(*m_findCurrent, m_findMatches.size(), forward);
-    showFind();
-}
-
-void ViewController::showFind()
-{
-    const bool finding = !m_findBar->field()->text().isEmpty();
-    const std::optional<qsizetype> box =
-        m_findCurrent ? std::optional(m_findMatches.at(*m_findCurrent)) : std::nullopt;
-    m_horizontalScrollContent->setFindState(finding ? std::optional(m_findMatches) : std::nullopt,
-                                            box);
-    m_findBar->showCount(m_findCurrent.value_or(0), m_findMatches.size());
-    if (box)
-        revealBox(*box);
-}
-
-void ViewController::closeFind()
-{
-    if (!m_findBar || !m_findBar->isVisible())
-        return;
-    m_findBar->hide();
-    m_findMatches.clear();
-    m_findCurrent.reset();
-    m_horizontalScrollContent->setFindState(std::nullopt, std::nullopt);
-    // The keyboard goes back to the axis, which may bring its ring into view; then the view is
-    // put back as it was.
-    m_horizontalScrollContent->setFocus(Qt::OtherFocusReason);
-    if (m_scrollBeforeFind) {
-        m_horizontalScroll->horizontalScrollBar()->setValue(m_scrollBeforeFind->x());
-        m_verticalScroll->verticalScrollBar()->setValue(m_scrollBeforeFind->y());
-        m_scrollBeforeFind.reset();
-    }
 }
 
 void ViewController::revealBox(qsizetype box)

@@ -4,7 +4,7 @@
 #include "timetable/timetablelayout.h"
 #include "ui/boxmenu.h"
 #include "ui/clipboardmessage.h"
-#include "ui/findbar.h"
+#include "ui/findcontroller.h"
 #include "ui/hourrulerwidget.h"
 #include "ui/scroll/horizontalscroll.h"
 #include "ui/sectioncolumn.h"
@@ -83,14 +83,9 @@ public:
     // event's wiki page.
     void setWikiPageUrl(const QString &urlTemplate) { m_boxMenu->setWikiPageUrl(urlTemplate); }
 
-    // Find (Ctrl+F): the field above the axis; as it is typed in, the matching boxes stay clear
-    // and the first from the marker on is shown; F3 and Enter go on, Shift+F3 back; Escape
-    // closes it and puts the view back as it was.
-    void openFind();
-    void stepFind(bool forward);
-    void closeFind();
-    // Absent until find is first opened.
-    FindBar *findBar() const { return m_findBar; }
+    // Find's bar (Ctrl+F, see FindController), absent until find is first opened over a
+    // timetable.
+    FindBar *findBar() const { return m_find ? m_find->findBar() : nullptr; }
     HourRulerWidget *hourRuler() const { return m_hourRuler; }
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
@@ -124,8 +119,6 @@ private:
     void sizeContents();
 
     void showMarks();
-    void findQueryChanged(const QString &query);
-    void showFind();
     // Scrolls both areas so that the box with the keyboard's focus ring is in view.
     void revealBox(qsizetype box);
 
@@ -142,13 +135,10 @@ private:
     QPointer<ClipboardMessage> m_clipboardMessage;
     QPointer<QLabel> m_emptyMessage;
     QPointer<QLabel> m_statusMessage;
-    QPointer<FindBar> m_findBar;
     QPointer<QWidget> m_rulerRow;
     QPointer<QWidget> m_rulerIndent;
     QPointer<HourRulerWidget> m_hourRuler;
-    QList<qsizetype> m_findMatches;
-    std::optional<qsizetype> m_findCurrent;
-    std::optional<QPoint> m_scrollBeforeFind;
+    QPointer<FindController> m_find;
 
     SectionList m_sections;
     SectionList m_followingDay;
