@@ -3,6 +3,7 @@
 #include "model/event.h"
 #include "model/reminderchoices.h"
 #include "model/wikipage.h"
+#include "ui/timelinewidget.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -22,12 +23,24 @@ void BoxMenu::setReminderChoices(ReminderChoices *choices)
     m_choices = choices;
 }
 
-QMenu *BoxMenu::menuFor(qsizetype box, const std::shared_ptr<Event> &event, QWidget *parent)
+void BoxMenu::attach(TimelineWidget *timeline, QWidget *parent)
 {
-    auto *menu = new QMenu(parent);
+    m_timeline = timeline;
+    m_parent = parent;
+    connect(timeline, &TimelineWidget::menuRequested, this,
+            [this](qsizetype box, QPoint at) { menuFor(box)->popup(at); });
+}
+
+QMenu *BoxMenu::menuFor(qsizetype box)
+{
+    auto *menu = new QMenu(m_parent);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    QAction *copyLink =
-        menu->addAction(u"Copy chat link"_s, this, [this, box] { Q_EMIT copyRequested(box); });
+    const std::shared_ptr<Event> event = m_timeline->boxes().at(box).item->event;
+    // As the box's copy button does.
+    QAction *copyLink = menu->addAction(u"Copy chat link"_s, this, [this, box] {
+        if (m_timeline)
+            m_timeline->pressCopyButton(box);
+    });
     copyLink->setEnabled(event->chatLink.has_value());
     menu->addAction(u"Copy name"_s, this,
                     [event] { QGuiApplication::clipboard()->setText(event->name); });

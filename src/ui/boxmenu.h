@@ -5,12 +5,10 @@
 #include <QPointer>
 #include <QString>
 
-#include <memory>
-
 namespace eventtimer {
 
-class Event;
 class ReminderChoices;
+class TimelineWidget;
 
 // The menu of an event's box: copy its chat link or its name, open its wiki page, set or
 // remove its event's reminder, the reminder preferences.
@@ -19,8 +17,6 @@ class BoxMenu : public QObject
     Q_OBJECT
 
 Q_SIGNALS:
-    // "Copy chat link": the box's link is copied as its copy button copies it.
-    void copyRequested(qsizetype box);
     void preferencesRequested();
 
 public:
@@ -31,11 +27,16 @@ public:
     // The settings' wiki address template ("https://…/{page}"); without it, no wiki item.
     void setWikiPageUrl(const QString &urlTemplate) { m_wikiPageUrl = urlTemplate; }
 
-    // The menu of a box showing an event, for the caller to show; it deletes itself once
-    // closed.
-    QMenu *menuFor(qsizetype box, const std::shared_ptr<Event> &event, QWidget *parent);
+    // The timeline whose boxes have the menu (a right click, the menu key), and the widget its
+    // menus belong to.
+    void attach(TimelineWidget *timeline, QWidget *parent);
 
 private:
+    // The menu of a box; it deletes itself once closed.
+    QMenu *menuFor(qsizetype box);
+
+    QPointer<TimelineWidget> m_timeline;
+    QPointer<QWidget> m_parent;
     QPointer<ReminderChoices> m_choices;
     QString m_wikiPageUrl;
 };

@@ -1,10 +1,9 @@
 #include "ui/viewcontroller.h"
 
 #include "model/clock.h"
-#include "model/reminderchoices.h"
 #include "timetable/layoutconstants.h"
-#include "timetable/revealscroll.h"
 #include "timetable/timebase.h"
+#include "ui/boxreveal.h"
 #include "ui/eventhook.h"
 
 #include <QClipboard>
@@ -13,9 +12,7 @@
 #include <QLocale>
 #include <QScrollBar>
 #include <QVBoxLayout>
-#include <QtMath>
 
-#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -23,8 +20,6 @@ using namespace Qt::StringLiterals;
 namespace eventtimer {
 
 namespace {
-
-using C = LayoutConstants;
 
 QLabel *plainLabel(const QString &text, QWidget *parent)
 {
@@ -40,10 +35,10 @@ ViewController::ViewController(Clock &clock, QObject *parent)
     : QObject(parent)
     , m_clock(clock)
     , m_boxMenu(new BoxMenu(this))
+    , m_marks(new ReminderMarks(this))
     , m_timeLabel(new QLabel)
 {
     m_timeLabel->setTextFormat(Qt::PlainText);
-    connect(m_boxMenu, &BoxMenu::copyRequested, this, &ViewController::copyToClipboardWithSender);
     connect(m_boxMenu, &BoxMenu::preferencesRequested, this, &ViewController::preferencesRequested);
 }
 
@@ -218,28 +213,18 @@ void ViewController::buildTimeline()
     m_hourRuler->setOffsetMinutes(offsetMinutes);
     if (m_geometry.followingDate.isValid())
         m_horizontalScrollContent->setDayEnd(
-            static_cast<double>(TimetableLayout::dayEndMinute * C::minutesMultiplier),
+            static_cast<double>(TimetableLayout::dayEndMinute * LayoutConstants::minutesMultiplier),
             QLocale::c().toString(m_geometry.followingDate, u"ddd d MMM"));
     connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
             &ViewController::copyToClipboardWithSender);
-    connect(m_horizontalScrollContent, &TimelineWidget::revealRequested, this,
-            &ViewController::revealBox);
-    connect(m_horizontalScrollContent, &TimelineWidget::menuRequested, this,
-            [this](qsizetype box, QPoint at) {
-                const std::shared_ptr<Event> &event =
-                    m_horizontalScrollContent->boxes().at(box).item->event;
-                m_boxMenu->menuFor(box, event, m_view)->popup(at);
-            });
-    connect(m_horizontalScrollContent, &TimelineWidget::markToggleRequested, this,
-            [this](qsizetype box) {
-                if (m_choices)
-                    m_choices->toggle(m_horizontalScrollContent->boxes().at(box).event().name);
-            });
-    showMarks();
+    auto *reveal =
+        new BoxReveal(m_horizontalScrollContent, m_horizontalScroll, m_verticalScroll, this);
+    m_boxMenu->attach(m_horizontalScrollContent, m_view);
+    m_marks->setTimeline(m_horizontalScrollContent);
     if (!m_sections.isEmpty()) {
         m_find = new FindController(m_view, m_horizontalScrollContent, m_horizontalScroll,
                                     m_verticalScroll, this);
-        connect(m_find, &FindController::revealRequested, this, &ViewController::revealBox);
+        connect(m_find, &FindController::revealRequested, reveal, &BoxReveal::reveal);
     }
 }
 
@@ -250,13 +235,11 @@ void ViewController::sizeContents()
     const int scrollBar = m_horizontalScroll->horizontalScrollBar()->sizeHint().height();
     m_sectionsView->setFixedHeight(contentHeight);
     m_verticalScrollContent->setMinimumHeight(contentHeight + scrollBar);
-    // The axis fills its viewport and reaches every box; it is measured once.
+    // The axis fills its viewport and reaches every box (its minimum); it is measured once.
     const int axisWidth = static_cast<int>(std::ceil(m_geometry.axisWidth()));
     m_horizontalScrollContent->setMinimumSize(axisWidth, contentHeight);
-    const auto fitTimeline = [this, axisWidth, contentHeight] {
-        const QSize viewport = m_horizontalScroll->viewport()->size();
-        m_horizontalScrollContent->resize(std::max(axisWidth, viewport.width()),
-                                          std::max(contentHeight, viewport.height()));
+    const auto fitTimeline = [this] {
+        m_horizontalScrollContent->resize(m_horizontalScroll->viewport()->size());
     };
     fitTimeline();
     new EventHook(m_horizontalScroll->viewport(), QEvent::Resize, fitTimeline);
@@ -276,8 +259,8 @@ void ViewController::updateCurrentTime()
     m_timeConstraint = x;
     if (m_horizontalScrollContent) {
         m_horizontalScrollContent->setMarkerX(x);
-        m_timeLabel->move(static_cast<int>(x + 1.0 + C::eventDistance),
-                          static_cast<int>(C::eventDistance));
+        m_timeLabel->move(static_cast<int>(x + 1.0 + LayoutConstants::eventDistance),
+                          static_cast<int>(LayoutConstants::eventDistance));
     }
     m_timeLabel->setText(timebase::clockText(now, m_clock.zone()));
     m_timeLabel->adjustSize();
@@ -297,11 +280,9 @@ void ViewController::copyToClipboardWithSender(qsizetype pressedBox)
     if (!m_horizontalScrollContent || pressedBox < 0 ||
         pressedBox >= m_horizontalScrollContent->boxes().size())
         return;
-    const std::optional<QString> &link =
-        m_horizontalScrollContent->boxes().at(pressedBox).event().chatLink;
-    if (!link)
-        return;
-    copyChatLink(*link);
+    if (const std::optional<QString> &link =
+            m_horizontalScrollContent->boxes().at(pressedBox).event().chatLink)
+        copyChatLink(*link);
 }
 
 void ViewController::copyChatLink(const QString &link)
@@ -311,38 +292,6 @@ void ViewController::copyChatLink(const QString &link)
     QGuiApplication::clipboard()->setText(link);
     if (m_view && m_view->isVisible() && m_clipboardMessage)
         m_clipboardMessage->showCopied();
-}
-
-void ViewController::setReminderChoices(ReminderChoices *choices)
-{
-    m_choices = choices;
-    m_boxMenu->setReminderChoices(choices);
-    connect(choices, &ReminderChoices::changed, this, &ViewController::showMarks);
-    showMarks();
-}
-
-void ViewController::showMarks()
-{
-    if (m_horizontalScrollContent && m_choices)
-        m_horizontalScrollContent->setMarkedNames(m_choices->markedSet());
-}
-
-void ViewController::revealBox(qsizetype box)
-{
-    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
-        return;
-    const QRectF rect = m_horizontalScrollContent->boxes().at(box).rect;
-    QScrollBar *sideways = m_horizontalScroll->horizontalScrollBar();
-    sideways->setValue(RevealScroll::sideways(
-        rect, {sideways->value(), m_horizontalScroll->viewport()->width(), sideways->maximum()}));
-    // Up and down in the coordinates of the vertically scrolling content.
-    const int top =
-        m_horizontalScrollContent->mapTo(m_verticalScrollContent, QPoint(0, qFloor(rect.top())))
-            .y();
-    QScrollBar *upright = m_verticalScroll->verticalScrollBar();
-    upright->setValue(RevealScroll::upright(
-        top, rect.height(),
-        {upright->value(), m_verticalScroll->viewport()->height(), upright->maximum()}));
 }
 
 } // namespace eventtimer

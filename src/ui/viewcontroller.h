@@ -6,6 +6,7 @@
 #include "ui/clipboardmessage.h"
 #include "ui/findcontroller.h"
 #include "ui/hourrulerwidget.h"
+#include "ui/remindermarks.h"
 #include "ui/scroll/horizontalscroll.h"
 #include "ui/sectioncolumn.h"
 #include "ui/timelinewidget.h"
@@ -78,7 +79,11 @@ public:
     void copyChatLink(const QString &link);
 
     // The player's reminder marks: shown as bells, set and removed from a box's menu and with R.
-    void setReminderChoices(ReminderChoices *choices);
+    void setReminderChoices(ReminderChoices *choices)
+    {
+        m_boxMenu->setReminderChoices(choices);
+        m_marks->setChoices(choices);
+    }
     // The settings' wiki address template ("https://…/{page}"): the box menu then opens an
     // event's wiki page.
     void setWikiPageUrl(const QString &urlTemplate) { m_boxMenu->setWikiPageUrl(urlTemplate); }
@@ -118,13 +123,9 @@ private:
     void buildTimeline();
     void sizeContents();
 
-    void showMarks();
-    // Scrolls both areas so that the box with the keyboard's focus ring is in view.
-    void revealBox(qsizetype box);
-
     Clock &m_clock;
-    QPointer<ReminderChoices> m_choices;
     BoxMenu *m_boxMenu = nullptr;
+    ReminderMarks *m_marks = nullptr;
 
     QPointer<QWidget> m_view;
     QPointer<QScrollArea> m_verticalScroll;
