@@ -11,7 +11,6 @@
 #include "ui/sectioncolumn.h"
 #include "ui/timelinewidget.h"
 
-#include <QFrame>
 #include <QGroupBox>
 #include <QHash>
 #include <QLabel>
@@ -20,7 +19,6 @@
 #include <QScrollArea>
 
 #include <chrono>
-#include <functional>
 #include <optional>
 
 namespace eventtimer {
@@ -28,9 +26,12 @@ namespace eventtimer {
 class Clock;
 class ReminderChoices;
 
-// The controller of the timetable window. It builds its views in code, shows the loading until
-// the sections are in, builds the timetable once when it has them and the view has appeared,
-// and keeps the marker and the clock current every minute.
+// The controller of the timetable window: the lifecycle of its view. It builds the widget tree
+// in code, shows the loading until the sections are in, builds the timetable once, step by
+// step, when it has them and the view has appeared, and keeps the marker and the clock current
+// every minute. What it builds does its own work: the section column (SectionColumn), the time
+// axis (TimelineWidget), the clipboard message, the box menu, the reminder marks, bringing a
+// box into view (BoxReveal) and find (FindController).
 class ViewController : public QObject
 {
     Q_OBJECT
@@ -106,10 +107,10 @@ public:
 
     const SectionList &sections() const { return m_sections; }
     const QHash<QString, QGroupBox *> &categories() const { return m_sectionsView->categories(); }
+    // The marker's left edge on the time axis; absent until the first time update.
     std::optional<double> timeConstraint() const { return m_timeConstraint; }
     QLabel *timeLabel() const { return m_timeLabel; }
     bool isBuilt() const { return m_built; }
-    const TimetableGeometry &geometry() const { return m_geometry; }
 
 private:
     void loadView();
