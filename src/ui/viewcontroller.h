@@ -105,7 +105,6 @@ public:
     // Under the empty message: why nothing could be loaded; while loading: what is loading.
     QLabel *statusMessage() const { return m_statusMessage; }
 
-    const SectionList &sections() const { return m_sections; }
     const QHash<QString, QGroupBox *> &categories() const { return m_sectionsView->categories(); }
     // The marker's left edge on the time axis; absent until the first time update.
     std::optional<double> timeConstraint() const { return m_timeConstraint; }
