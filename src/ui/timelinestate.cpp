@@ -10,7 +10,8 @@ namespace eventtimer {
 namespace {
 
 // The boxes a change touches: the one before and the one after, when there are any.
-TimelineState::Changed eitherOf(std::optional<qsizetype> before, std::optional<qsizetype> after)
+TimelineState::Changed beforeAndAfter(std::optional<qsizetype> before,
+                                      std::optional<qsizetype> after)
 {
     TimelineState::Changed changed;
     if (before)
@@ -41,19 +42,19 @@ TimelineState::Changed TimelineState::setHoveredButton(std::optional<qsizetype> 
 {
     if (button == m_hoveredButton)
         return {};
-    return eitherOf(std::exchange(m_hoveredButton, button), button);
+    return beforeAndAfter(std::exchange(m_hoveredButton, button), button);
 }
 
 TimelineState::Changed TimelineState::setPressedButton(std::optional<qsizetype> button)
 {
-    return eitherOf(std::exchange(m_pressedButton, button), button);
+    return beforeAndAfter(std::exchange(m_pressedButton, button), button);
 }
 
 TimelineState::Changed TimelineState::setCurrentBox(qsizetype box)
 {
     if (box == m_currentBox)
         return {};
-    return eitherOf(std::exchange(m_currentBox, box), box);
+    return beforeAndAfter(std::exchange(m_currentBox, box), box);
 }
 
 bool TimelineState::isMarked(const EventBoxGeometry &box) const
@@ -87,7 +88,7 @@ TimelineState::Changed TimelineState::setFind(const std::optional<QList<qsizetyp
                                               std::optional<qsizetype> current)
 {
     // The current match's ring is part of its box's cached picture.
-    Changed changed = eitherOf(std::exchange(m_findCurrent, current), current);
+    Changed changed = beforeAndAfter(std::exchange(m_findCurrent, current), current);
     std::optional<QSet<qsizetype>> matching;
     if (matches)
         matching = QSet<qsizetype>(matches->cbegin(), matches->cend());
