@@ -21,8 +21,10 @@ struct LayoutConstants
     static constexpr double eventDistance = 3.0;
     // Points per minute on the time axis.
     static constexpr qint64 minutesMultiplier = 10;
-    // The copy button's distance from an event box's bottom and right edges.
+    // The copy button's distance from an event box's bottom and right edges, and its size.
     static constexpr double copyButtonInset = 6.0;
+    static constexpr double copyButtonWidth = 20.0;
+    static constexpr double copyButtonHeight = 18.0;
 };
 
 // The window around the timetable: the sizes the rules above leave open, in pixels.

@@ -4,6 +4,21 @@
 
 namespace eventtimer {
 
+TimelineNavigation::KeyAction TimelineNavigation::actionOf(int key, Qt::KeyboardModifiers modifiers,
+                                                           bool copyShortcut)
+{
+    const bool plain = (modifiers & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (copyShortcut || (plain && (key == Qt::Key_Return || key == Qt::Key_Enter)))
+        return KeyAction::Copy;
+    if (!plain)
+        return KeyAction::None;
+    if (key == Qt::Key_R)
+        return KeyAction::Mark;
+    const bool move = key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up ||
+                      key == Qt::Key_Down || key == Qt::Key_Home || key == Qt::Key_End;
+    return move ? KeyAction::Move : KeyAction::None;
+}
+
 void TimelineNavigation::setBoxes(const QList<EventBoxGeometry> &boxes)
 {
     m_rects.clear();

@@ -14,6 +14,18 @@ namespace eventtimer {
 class TimelineNavigation
 {
 public:
+    // What a key does to the box with the ring: copy its chat link (Enter, Return, the copy
+    // shortcut), set or remove its event's reminder mark (R), move the ring (the arrows, Home,
+    // End), or nothing here. Keys held with modifiers do nothing but copy.
+    enum class KeyAction
+    {
+        None,
+        Copy,
+        Mark,
+        Move
+    };
+    static KeyAction actionOf(int key, Qt::KeyboardModifiers modifiers, bool copyShortcut);
+
     void setBoxes(const QList<EventBoxGeometry> &boxes);
 
     // The box of a row nearest to x: the one spanning it, else the one with the closest edge.

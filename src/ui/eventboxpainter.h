@@ -1,5 +1,6 @@
 #pragma once
 
+#include "timetable/layoutconstants.h"
 #include "timetable/timetablelayout.h"
 
 #include <QColor>
@@ -24,7 +25,8 @@ class Event;
 class EventBoxPainter
 {
 public:
-    static constexpr QSizeF copyButtonSize{20.0, 18.0};
+    static constexpr QSizeF copyButtonSize{LayoutConstants::copyButtonWidth,
+                                           LayoutConstants::copyButtonHeight};
 
     enum class Button
     {

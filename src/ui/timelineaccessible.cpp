@@ -23,6 +23,31 @@ QAccessibleInterface *TimelineAccessible::create(const QString &, QObject *objec
     return nullptr;
 }
 
+void TimelineAccessible::install()
+{
+    static const bool installed = [] {
+        QAccessible::installFactory(&TimelineAccessible::create);
+        return true;
+    }();
+    Q_UNUSED(installed)
+}
+
+void TimelineAccessible::boxesReplaced(TimelineWidget *timeline)
+{
+    if (QAccessible::isActive()) {
+        QAccessibleEvent event(timeline, QAccessible::ObjectReorder);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void TimelineAccessible::focusMoved(TimelineWidget *timeline, qsizetype box)
+{
+    // Qt drops the notification at once while no assistive technology is listening.
+    QAccessibleEvent event(timeline, QAccessible::Focus);
+    event.setChild(static_cast<int>(box));
+    QAccessible::updateAccessibility(&event);
+}
+
 TimelineWidget *TimelineAccessible::timeline() const
 {
     return static_cast<TimelineWidget *>(widget());

@@ -18,8 +18,14 @@ public:
     explicit TimelineAccessible(TimelineWidget *timeline);
     ~TimelineAccessible() override;
 
-    // The factory installed for TimelineWidget.
+    // The factory installed for TimelineWidget, once: assistive technology asks a factory for
+    // the interface of a widget.
     static QAccessibleInterface *create(const QString &className, QObject *object);
+    static void install();
+    // What the timeline tells assistive technology: its boxes were replaced; the focus ring
+    // moved to a box.
+    static void boxesReplaced(TimelineWidget *timeline);
+    static void focusMoved(TimelineWidget *timeline, qsizetype box);
 
     int childCount() const override;
     QAccessibleInterface *child(int index) const override;

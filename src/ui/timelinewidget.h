@@ -1,11 +1,11 @@
 #pragma once
 
+#include "timetable/hittest.h"
 #include "timetable/timelinenavigation.h"
 #include "timetable/timetablelayout.h"
-#include "ui/eventboxpainter.h"
+#include "ui/timelinerenderer.h"
+#include "ui/timelinestate.h"
 
-#include <QCache>
-#include <QPixmap>
 #include <QSet>
 #include <QWidget>
 
@@ -13,11 +13,11 @@
 
 namespace eventtimer {
 
-// The time axis: every event box of the day painted by one widget, which paints only the part
-// that is exposed. Boxes are records, not widgets: a day of thousands of occurrences costs no
-// more to build than its arithmetic. The current-time marker is painted first, under the
-// boxes, with faint hour lines; the past is veiled over them. Copy buttons are hit-tested,
-// with a pointing cursor and the chat link as tooltip; a box's tooltip tells all about it.
+// The time axis: every event box of the day in one widget, painted by a TimelineRenderer, which
+// paints only the part that is exposed. Boxes are records, not widgets: a day of thousands of
+// occurrences costs no more to build than its arithmetic. This widget keeps what the axis
+// shows and takes the input: copy buttons are hit-tested, with a pointing cursor and the chat
+// link as tooltip; a box's tooltip tells all about it.
 //
 // Keyboard users move a focus ring from box to box (TimelineNavigation) and copy with Enter or
 // the copy shortcut; assistive technology sees one item per box (TimelineAccessible).
@@ -33,15 +33,20 @@ public:
 
     // The marker's left edge; absent until the first time update.
     void setMarkerX(double x);
-    std::optional<double> markerX() const { return m_markerX; }
+    std::optional<double> markerX() const { return m_state.markerX(); }
 
-    // The box under a point, and whether the point is on its copy button.
-    std::optional<qsizetype> boxAt(QPointF point) const;
-    std::optional<qsizetype> copyButtonAt(QPointF point) const;
-    QRectF copyButtonRect(qsizetype box) const;
+    // The box under a point, and where its copy button is.
+    std::optional<qsizetype> boxAt(QPointF point) const
+    {
+        return eventtimer::boxAt(m_boxes, point);
+    }
+    QRectF copyButtonRect(qsizetype box) const
+    {
+        return eventtimer::copyButtonRect(m_boxes.at(box));
+    }
 
     // The box that carries the keyboard focus ring while the timeline has the focus.
-    std::optional<qsizetype> currentBox() const { return m_currentBox; }
+    std::optional<qsizetype> currentBox() const { return m_state.currentBox(); }
     // Moves the focus ring to a box and asks for it to be brought into view.
     void setCurrentBox(qsizetype box);
     // What the copy button of a box does, for the keyboard and assistive technology: boxes of
@@ -65,7 +70,7 @@ public:
 
     // The names of the events marked for reminders: their boxes carry a bell.
     void setMarkedNames(const QSet<QString> &names);
-    bool isMarked(qsizetype box) const;
+    bool isMarked(qsizetype box) const { return m_state.isMarked(m_boxes.at(box)); }
 
 Q_SIGNALS:
     // The copy button of a box whose event has a chat link was pressed.
@@ -93,14 +98,8 @@ protected:
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 private:
-    // A box is drawn once into a pixmap that later paints copy: scrolling back and forth and
-    // each minute's marker move then cost a blit per box. Bounded to a few screens' worth.
-    static constexpr qsizetype pixmapCacheKb = 12 * 1024;
-
-    EventBoxPainter::State stateOf(qsizetype index) const;
-    QColor veil(float opacity) const;
-    const QPixmap &boxPixmap(qsizetype index);
-    void invalidateBox(qsizetype index);
+    // Draws anew what a change of the state changed.
+    void redraw(const TimelineState::Changed &changed);
     void setHovered(std::optional<qsizetype> button);
 
     enum class Reveal
@@ -115,21 +114,9 @@ private:
     std::optional<qsizetype> entryBox() const;
 
     QList<EventBoxGeometry> m_boxes;
+    TimelineState m_state;
     TimelineNavigation m_navigation;
-    EventBoxPainter m_painter;
-    QCache<qsizetype, QPixmap> m_boxPixmaps{pixmapCacheKb};
-    QPixmap m_uncached;
-    bool m_paintedOnce = false;
-    std::optional<double> m_markerX;
-    std::optional<qsizetype> m_hoveredButton;
-    std::optional<qsizetype> m_pressedButton;
-    std::optional<qsizetype> m_currentBox;
-    QSet<QString> m_markedNames;
-    std::optional<double> m_dayEndX;
-    QString m_nextDay;
-    std::optional<qint64> m_hourOffset;
-    std::optional<QSet<qsizetype>> m_findMatches;
-    std::optional<qsizetype> m_findCurrent;
+    TimelineRenderer m_renderer{*this};
 };
 
 } // namespace eventtimer

@@ -1,26 +1,18 @@
 #include "ui/viewcontroller.h"
 
 #include "model/clock.h"
-#include "model/reminderchoices.h"
-#include "model/wikipage.h"
-#include "timetable/find.h"
 #include "timetable/layoutconstants.h"
 #include "timetable/timebase.h"
-#include "ui/categorybox.h"
+#include "ui/boxreveal.h"
 #include "ui/eventhook.h"
 
-#include <QAction>
 #include <QClipboard>
-#include <QDesktopServices>
-#include <QGraphicsDropShadowEffect>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLocale>
 #include <QScrollBar>
 #include <QVBoxLayout>
-#include <QtMath>
 
-#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -28,9 +20,6 @@ using namespace Qt::StringLiterals;
 namespace eventtimer {
 
 namespace {
-
-using C = LayoutConstants;
-using W = WindowConstants;
 
 QLabel *plainLabel(const QString &text, QWidget *parent)
 {
@@ -45,9 +34,12 @@ QLabel *plainLabel(const QString &text, QWidget *parent)
 ViewController::ViewController(Clock &clock, QObject *parent)
     : QObject(parent)
     , m_clock(clock)
+    , m_boxMenu(new BoxMenu(this))
+    , m_marks(new ReminderMarks(this))
     , m_timeLabel(new QLabel)
 {
     m_timeLabel->setTextFormat(Qt::PlainText);
+    connect(m_boxMenu, &BoxMenu::preferencesRequested, this, &ViewController::preferencesRequested);
 }
 
 ViewController::~ViewController()
@@ -83,16 +75,6 @@ void ViewController::loadView()
     rulerLayout->addWidget(m_hourRuler, 1);
     m_rulerRow->hide();
     layout->addWidget(m_rulerRow);
-    const auto addAction = [this](const QList<QKeySequence> &keys, auto slot) {
-        auto *action = new QAction(m_view);
-        action->setShortcuts(keys);
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        connect(action, &QAction::triggered, this, slot);
-        m_view->addAction(action);
-    };
-    addAction(QKeySequence::keyBindings(QKeySequence::Find), [this] { openFind(); });
-    addAction(QKeySequence::keyBindings(QKeySequence::FindNext), [this] { stepFind(true); });
-    addAction(QKeySequence::keyBindings(QKeySequence::FindPrevious), [this] { stepFind(false); });
 
     m_verticalScroll = new QScrollArea(m_view);
     m_verticalScroll->setWidgetResizable(true);
@@ -106,7 +88,7 @@ void ViewController::loadView()
     auto *row = new QHBoxLayout(m_verticalScrollContent);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
-    m_sectionsView = new QWidget(m_verticalScrollContent);
+    m_sectionsView = new SectionColumn(m_verticalScrollContent);
     m_horizontalScroll = new HorizontalScroll(m_verticalScrollContent);
     // The timeline inside takes the keys and scrolls the area itself; the area would only be
     // one more stop on the way there.
@@ -130,23 +112,6 @@ void ViewController::loadView()
     m_statusMessage->setForegroundRole(QPalette::PlaceholderText);
     m_statusMessage->hide();
     layout->addWidget(m_statusMessage, 1);
-
-    m_clipboardMessage = new QFrame(m_view);
-    m_clipboardMessage->setFrameShape(QFrame::StyledPanel);
-    m_clipboardMessage->setAutoFillBackground(true);
-    auto *messageLayout = new QHBoxLayout(m_clipboardMessage);
-    messageLayout->addWidget(
-        plainLabel(u"Chat link copied to the clipboard"_s, m_clipboardMessage));
-    m_clipboardMessage->adjustSize();
-    m_clipboardMessage->hide();
-    const auto placeMessage = [this] {
-        const QSize size = m_clipboardMessage->sizeHint();
-        m_clipboardMessage->setGeometry((m_view->width() - size.width()) / 2,
-                                        m_view->height() - size.height() -
-                                            W::clipboardMessageBottom,
-                                        size.width(), size.height());
-    };
-    new EventHook(m_view, QEvent::Resize, placeMessage);
 }
 
 void ViewController::viewDidLoad()
@@ -185,54 +150,6 @@ void ViewController::viewDidAppear()
         buildTimetable();
 }
 
-QSize ViewController::labelSize(const QString &name) const
-{
-    // The natural size of a plain, right-aligned label showing the name. Shaping a text is the
-    // costliest part of a build: each name is measured once.
-    auto known = m_labelSizes.constFind(name);
-    if (known == m_labelSizes.cend())
-        known = m_labelSizes.insert(name, QFontMetrics(m_sectionsView->font())
-                                              .boundingRect(QRect(), Qt::AlignRight, name)
-                                              .size());
-    return *known;
-}
-
-double ViewController::labelHeight(const QString &name) const
-{
-    return labelSize(name).height();
-}
-
-int ViewController::sectionColumnWidth() const
-{
-    const QFontMetrics metrics(m_sectionsView->font());
-    int widest = 0;
-    for (const auto &section : m_sections) {
-        widest = std::max(widest, labelSize(section->name).width());
-        widest =
-            std::max(widest, metrics.horizontalAdvance(section->category) + W::categoryTitleRoom);
-    }
-    // The labels sit two margins inside their boxes, which sit inside the column.
-    const int needed = widest + static_cast<int>(4 * C::boxMargin + 2 * C::categoryDistance) +
-                       W::sectionColumnSlack;
-    return std::clamp(needed, W::minSectionColumnWidth, W::maxSectionColumnWidth);
-}
-
-void ViewController::placeSectionColumn()
-{
-    const double width = m_sectionsView->width();
-    for (qsizetype i = 0; i < m_geometry.categoryBoxes.size(); ++i) {
-        const CategoryBoxGeometry &geometry = m_geometry.categoryBoxes.at(i);
-        QGroupBox *box = m_categories.value(geometry.title);
-        box->setGeometry(geometry.rect(width).toAlignedRect());
-    }
-    for (qsizetype i = 0; i < m_geometry.sectionLabels.size(); ++i) {
-        const SectionLabelGeometry &geometry = m_geometry.sectionLabels.at(i);
-        const QRectF box = m_geometry.categoryBoxes.at(geometry.categoryBox).rect(width);
-        m_sectionLabels.at(i)->setGeometry(
-            geometry.rect(width).translated(-box.topLeft()).toAlignedRect());
-    }
-}
-
 void ViewController::buildTimetable()
 {
     view();
@@ -251,11 +168,7 @@ void ViewController::buildTimetable()
 void ViewController::setUpClipboardMessage()
 {
     // The clipboard message waits, hidden, with its shadow.
-    auto *shadow = new QGraphicsDropShadowEffect(m_clipboardMessage);
-    shadow->setBlurRadius(10.0);
-    shadow->setColor(Qt::black);
-    m_clipboardMessage->setGraphicsEffect(shadow);
-    m_clipboardMessage->hide();
+    m_clipboardMessage = new ClipboardMessage(m_clock, m_view);
 }
 
 void ViewController::setUpClock()
@@ -281,30 +194,14 @@ void ViewController::layOutSections()
     m_builtAt = m_clock.now();
     m_geometry = TimetableLayout::build(
         m_sections, m_clock.zone(), m_builtAt,
-        [this](const QString &name) { return labelHeight(name); }, m_followingDay);
+        [this](const QString &name) { return m_sectionsView->labelHeight(name); }, m_followingDay);
 }
 
 void ViewController::buildSectionColumn()
 {
-    // Category boxes and their labels are real widgets: a few dozen at most.
-    const int columnWidth = sectionColumnWidth();
-    m_sectionsView->setFixedWidth(columnWidth);
-    m_rulerIndent->setFixedWidth(columnWidth);
-    for (const CategoryBoxGeometry &geometry : std::as_const(m_geometry.categoryBoxes)) {
-        auto *box = new CategoryBox(geometry.title, m_sectionsView);
-        m_categories.insert(geometry.title, box);
-        box->show(); // the column may already be on screen
-    }
-    for (const SectionLabelGeometry &geometry : std::as_const(m_geometry.sectionLabels)) {
-        const CategoryBoxGeometry &category = m_geometry.categoryBoxes.at(geometry.categoryBox);
-        QLabel *label = plainLabel(geometry.text, m_categories.value(category.title));
-        label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        label->setToolTip(geometry.text.toHtmlEscaped());
-        label->show();
-        m_sectionLabels.append(label);
-    }
-    placeSectionColumn();
-    new EventHook(m_sectionsView, QEvent::Resize, [this] { placeSectionColumn(); });
+    m_sectionsView->build(m_geometry);
+    // The ruler's hours start where the time axis does.
+    m_rulerIndent->setFixedWidth(m_sectionsView->width());
 }
 
 void ViewController::buildTimeline()
@@ -316,20 +213,19 @@ void ViewController::buildTimeline()
     m_hourRuler->setOffsetMinutes(offsetMinutes);
     if (m_geometry.followingDate.isValid())
         m_horizontalScrollContent->setDayEnd(
-            static_cast<double>(TimetableLayout::dayEndMinute * C::minutesMultiplier),
+            static_cast<double>(TimetableLayout::dayEndMinute * LayoutConstants::minutesMultiplier),
             QLocale::c().toString(m_geometry.followingDate, u"ddd d MMM"));
     connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
             &ViewController::copyToClipboardWithSender);
-    connect(m_horizontalScrollContent, &TimelineWidget::revealRequested, this,
-            &ViewController::revealBox);
-    connect(m_horizontalScrollContent, &TimelineWidget::menuRequested, this,
-            [this](qsizetype box, QPoint at) { boxMenu(box)->popup(at); });
-    connect(m_horizontalScrollContent, &TimelineWidget::markToggleRequested, this,
-            [this](qsizetype box) {
-                if (m_choices)
-                    m_choices->toggle(m_horizontalScrollContent->boxes().at(box).event().name);
-            });
-    showMarks();
+    auto *reveal =
+        new BoxReveal(m_horizontalScrollContent, m_horizontalScroll, m_verticalScroll, this);
+    m_boxMenu->attach(m_horizontalScrollContent, m_view);
+    m_marks->setTimeline(m_horizontalScrollContent);
+    if (!m_sections.isEmpty()) {
+        m_find = new FindController(m_view, m_horizontalScrollContent, m_horizontalScroll,
+                                    m_verticalScroll, this);
+        connect(m_find, &FindController::revealRequested, reveal, &BoxReveal::reveal);
+    }
 }
 
 void ViewController::sizeContents()
@@ -339,13 +235,11 @@ void ViewController::sizeContents()
     const int scrollBar = m_horizontalScroll->horizontalScrollBar()->sizeHint().height();
     m_sectionsView->setFixedHeight(contentHeight);
     m_verticalScrollContent->setMinimumHeight(contentHeight + scrollBar);
-    // The axis fills its viewport and reaches every box; it is measured once.
+    // The axis fills its viewport and reaches every box (its minimum); it is measured once.
     const int axisWidth = static_cast<int>(std::ceil(m_geometry.axisWidth()));
     m_horizontalScrollContent->setMinimumSize(axisWidth, contentHeight);
-    const auto fitTimeline = [this, axisWidth, contentHeight] {
-        const QSize viewport = m_horizontalScroll->viewport()->size();
-        m_horizontalScrollContent->resize(std::max(axisWidth, viewport.width()),
-                                          std::max(contentHeight, viewport.height()));
+    const auto fitTimeline = [this] {
+        m_horizontalScrollContent->resize(m_horizontalScroll->viewport()->size());
     };
     fitTimeline();
     new EventHook(m_horizontalScroll->viewport(), QEvent::Resize, fitTimeline);
@@ -365,8 +259,8 @@ void ViewController::updateCurrentTime()
     m_timeConstraint = x;
     if (m_horizontalScrollContent) {
         m_horizontalScrollContent->setMarkerX(x);
-        m_timeLabel->move(static_cast<int>(x + 1.0 + C::eventDistance),
-                          static_cast<int>(C::eventDistance));
+        m_timeLabel->move(static_cast<int>(x + 1.0 + LayoutConstants::eventDistance),
+                          static_cast<int>(LayoutConstants::eventDistance));
     }
     m_timeLabel->setText(timebase::clockText(now, m_clock.zone()));
     m_timeLabel->adjustSize();
@@ -381,15 +275,14 @@ void ViewController::timeUpdate()
     updateCurrentTime();
 }
 
-void ViewController::copyToClipboardWithSender(qsizetype box)
+void ViewController::copyToClipboardWithSender(qsizetype pressedBox)
 {
-    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
+    if (!m_horizontalScrollContent || pressedBox < 0 ||
+        pressedBox >= m_horizontalScrollContent->boxes().size())
         return;
-    const std::optional<QString> &link =
-        m_horizontalScrollContent->boxes().at(box).event().chatLink;
-    if (!link)
-        return;
-    copyChatLink(*link);
+    if (const std::optional<QString> &link =
+            m_horizontalScrollContent->boxes().at(pressedBox).event().chatLink)
+        copyChatLink(*link);
 }
 
 void ViewController::copyChatLink(const QString &link)
@@ -397,165 +290,8 @@ void ViewController::copyChatLink(const QString &link)
     // One plain-text item, which replaces whatever the clipboard held. An empty link is
     // copied as it is, and the message shows all the same.
     QGuiApplication::clipboard()->setText(link);
-    if (!m_view || !m_view->isVisible())
-        return;
-    m_clipboardMessage->show();
-    m_clipboardMessage->raise();
-    // Every copy schedules its own hide and none is ever cancelled: the earliest one pending
-    // ends the showing, even right after a later copy.
-    m_clock.callAfter(clipboardMessageInterval, this, [this] { hideClipboardMessage(); });
-}
-
-void ViewController::setReminderChoices(ReminderChoices *choices)
-{
-    m_choices = choices;
-    connect(choices, &ReminderChoices::changed, this, &ViewController::showMarks);
-    showMarks();
-}
-
-void ViewController::showMarks()
-{
-    if (m_horizontalScrollContent && m_choices)
-        m_horizontalScrollContent->setMarkedNames(m_choices->markedSet());
-}
-
-QMenu *ViewController::boxMenu(qsizetype box)
-{
-    auto *menu = new QMenu(m_view);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
-        return menu;
-    const std::shared_ptr<Event> event = m_horizontalScrollContent->boxes().at(box).item->event;
-    QAction *copyLink =
-        menu->addAction(u"Copy chat link"_s, this, [this, box] { copyToClipboardWithSender(box); });
-    copyLink->setEnabled(event->chatLink.has_value());
-    menu->addAction(u"Copy name"_s, this,
-                    [event] { QGuiApplication::clipboard()->setText(event->name); });
-    if (!m_wikiPageUrl.isEmpty()) {
-        const std::optional<QUrl> page = wikiPageUrl(m_wikiPageUrl, event->wiki);
-        QAction *open = menu->addAction(u"Open wiki page"_s, this, [page] {
-            if (page)
-                QDesktopServices::openUrl(*page);
-        });
-        open->setEnabled(page.has_value());
-    }
-    if (m_choices) {
-        menu->addSeparator();
-        QAction *remind = menu->addAction(u"Remind me of "_s + event->name, this, [this, event] {
-            if (m_choices)
-                m_choices->toggle(event->name);
-        });
-        remind->setCheckable(true);
-        remind->setChecked(m_choices->isMarked(event->name));
-        menu->addAction(u"Reminder preferences\u2026"_s, this,
-                        [this] { Q_EMIT preferencesRequested(); });
-    }
-    return menu;
-}
-
-void ViewController::openFind()
-{
-    if (!m_built || m_sections.isEmpty())
-        return;
-    if (!m_findBar) {
-        // Made when first asked for: a start has no use for it.
-        m_findBar = new FindBar(m_view);
-        static_cast<QVBoxLayout *>(m_view->layout())->insertWidget(0, m_findBar);
-        connect(m_findBar, &FindBar::queryChanged, this, &ViewController::findQueryChanged);
-        connect(m_findBar, &FindBar::stepRequested, this, &ViewController::stepFind);
-        connect(m_findBar, &FindBar::closeRequested, this, &ViewController::closeFind);
-    }
-    if (!m_scrollBeforeFind)
-        m_scrollBeforeFind = QPoint(m_horizontalScroll->horizontalScrollBar()->value(),
-                                    m_verticalScroll->verticalScrollBar()->value());
-    m_findBar->show();
-    m_findBar->field()->setFocus(Qt::ShortcutFocusReason);
-    m_findBar->field()->selectAll();
-}
-
-void ViewController::findQueryChanged(const QString &query)
-{
-    const QList<EventBoxGeometry> &boxes = m_horizontalScrollContent->boxes();
-    m_findMatches = findMatches(boxes, query);
-    m_findCurrent = firstMatchFrom(boxes, m_findMatches, m_timeConstraint.value_or(0.0));
-    showFind();
-}
-
-void ViewController::stepFind(bool forward)
-{
-    if (!m_findBar || !m_findBar->isVisible()) {
-        openFind();
-        return;
-    }
-    if (!m_findCurrent)
-        return;
-    m_findCurrent = stepMatch(*m_findCurrent, m_findMatches.size(), forward);
-    showFind();
-}
-
-void ViewController::showFind()
-{
-    const bool finding = !m_findBar->field()->text().isEmpty();
-    const std::optional<qsizetype> box =
-        m_findCurrent ? std::optional(m_findMatches.at(*m_findCurrent)) : std::nullopt;
-    m_horizontalScrollContent->setFindState(finding ? std::optional(m_findMatches) : std::nullopt,
-                                            box);
-    m_findBar->showCount(m_findCurrent.value_or(0), m_findMatches.size());
-    if (box)
-        revealBox(*box);
-}
-
-void ViewController::closeFind()
-{
-    if (!m_findBar || !m_findBar->isVisible())
-        return;
-    m_findBar->hide();
-    m_findMatches.clear();
-    m_findCurrent.reset();
-    m_horizontalScrollContent->setFindState(std::nullopt, std::nullopt);
-    // The keyboard goes back to the axis, which may bring its ring into view; then the view is
-    // put back as it was.
-    m_horizontalScrollContent->setFocus(Qt::OtherFocusReason);
-    if (m_scrollBeforeFind) {
-        m_horizontalScroll->horizontalScrollBar()->setValue(m_scrollBeforeFind->x());
-        m_verticalScroll->verticalScrollBar()->setValue(m_scrollBeforeFind->y());
-        m_scrollBeforeFind.reset();
-    }
-}
-
-void ViewController::hideClipboardMessage()
-{
-    if (m_clipboardMessage)
-        m_clipboardMessage->hide();
-}
-
-void ViewController::revealBox(qsizetype box)
-{
-    if (!m_horizontalScrollContent || box < 0 || box >= m_horizontalScrollContent->boxes().size())
-        return;
-    // Room around the box, so that its focus ring does not touch the edge of the view.
-    constexpr double padding = 8.0;
-    const QRectF rect = m_horizontalScrollContent->boxes().at(box).rect;
-
-    // Sideways: as much of the box as the view holds. A box that shows that much already
-    // stays where it is, even a long one seen only in its middle; otherwise its start comes
-    // into view, where its name and time are.
-    const double viewportLeft = m_horizontalScroll->horizontalScrollBar()->value();
-    const double viewportWidth = m_horizontalScroll->viewport()->width();
-    const double needed = std::min(rect.width(), std::max(0.0, viewportWidth - 2 * padding));
-    const double shown =
-        std::min(rect.right(), viewportLeft + viewportWidth) - std::max(rect.left(), viewportLeft);
-    if (shown < needed)
-        m_horizontalScroll->ensureVisible(qRound(rect.left() + needed / 2),
-                                          qRound(rect.center().y()), qRound(needed / 2 + padding),
-                                          0);
-
-    // Up and down: the whole box, in the coordinates of the vertically scrolling content.
-    const int top =
-        m_horizontalScrollContent->mapTo(m_verticalScrollContent, QPoint(0, qFloor(rect.top())))
-            .y();
-    const int halfHeight = qCeil(rect.height() / 2);
-    m_verticalScroll->ensureVisible(0, top + halfHeight, 0, halfHeight + qRound(padding));
+    if (m_view && m_view->isVisible() && m_clipboardMessage)
+        m_clipboardMessage->showCopied();
 }
 
 } // namespace eventtimer

@@ -2,22 +2,23 @@
 
 #include "model/section.h"
 #include "timetable/timetablelayout.h"
-#include "ui/findbar.h"
+#include "ui/boxmenu.h"
+#include "ui/clipboardmessage.h"
+#include "ui/findcontroller.h"
 #include "ui/hourrulerwidget.h"
+#include "ui/remindermarks.h"
 #include "ui/scroll/horizontalscroll.h"
+#include "ui/sectioncolumn.h"
 #include "ui/timelinewidget.h"
 
-#include <QFrame>
 #include <QGroupBox>
 #include <QHash>
 #include <QLabel>
-#include <QMenu>
 #include <QObject>
 #include <QPointer>
 #include <QScrollArea>
 
 #include <chrono>
-#include <functional>
 #include <optional>
 
 namespace eventtimer {
@@ -25,9 +26,12 @@ namespace eventtimer {
 class Clock;
 class ReminderChoices;
 
-// The controller of the timetable window. It builds its views in code, shows the loading until
-// the sections are in, builds the timetable once when it has them and the view has appeared,
-// and keeps the marker and the clock current every minute.
+// The controller of the timetable window: the lifecycle of its view. It builds the widget tree
+// in code, shows the loading until the sections are in, builds the timetable once, step by
+// step, when it has them and the view has appeared, and keeps the marker and the clock current
+// every minute. What it builds does its own work: the section column (SectionColumn), the time
+// axis (TimelineWidget), the clipboard message, the box menu, the reminder marks, bringing a
+// box into view (BoxReveal) and find (FindController).
 class ViewController : public QObject
 {
     Q_OBJECT
@@ -41,8 +45,6 @@ Q_SIGNALS:
 
 public:
     static constexpr std::chrono::milliseconds timeUpdateInterval{60000};
-    // How long the clipboard message shows after each copy.
-    static constexpr std::chrono::milliseconds clipboardMessageInterval{3000};
 
     explicit ViewController(Clock &clock, QObject *parent = nullptr);
     ~ViewController() override;
@@ -68,51 +70,46 @@ public:
     // What the 60-second timer calls.
     void timeUpdate();
 
-    // The slot of a box's copy button (the timeline's copyRequested): its event's chat link
-    // becomes the clipboard's only content, as plain text, and the clipboard message shows
-    // until the earliest pending hide. A box whose event has no chat link has no button.
-    void copyToClipboardWithSender(qsizetype box);
-    void hideClipboardMessage();
+    // The slot of a box's copy button (the timeline's copyRequested), its sender the box whose
+    // button was pressed: its event's chat link becomes the clipboard's only content, as plain
+    // text, and the clipboard message shows until the earliest pending hide. A box whose event
+    // has no chat link has no button.
+    void copyToClipboardWithSender(qsizetype pressedBox);
     // A chat link onto the clipboard as the copy button puts it, from elsewhere (a
     // notification): the message shows while the window is visible.
     void copyChatLink(const QString &link);
 
     // The player's reminder marks: shown as bells, set and removed from a box's menu and with R.
-    void setReminderChoices(ReminderChoices *choices);
+    void setReminderChoices(ReminderChoices *choices)
+    {
+        m_boxMenu->setReminderChoices(choices);
+        m_marks->setChoices(choices);
+    }
     // The settings' wiki address template ("https://…/{page}"): the box menu then opens an
     // event's wiki page.
-    void setWikiPageUrl(const QString &urlTemplate) { m_wikiPageUrl = urlTemplate; }
+    void setWikiPageUrl(const QString &urlTemplate) { m_boxMenu->setWikiPageUrl(urlTemplate); }
 
-    // Find (Ctrl+F): the field above the axis; as it is typed in, the matching boxes stay clear
-    // and the first from the marker on is shown; F3 and Enter go on, Shift+F3 back; Escape
-    // closes it and puts the view back as it was.
-    void openFind();
-    void stepFind(bool forward);
-    void closeFind();
-    // Absent until find is first opened.
-    FindBar *findBar() const { return m_findBar; }
+    // Find's bar (Ctrl+F, see FindController), absent until find is first opened over a
+    // timetable.
+    FindBar *findBar() const { return m_find ? m_find->findBar() : nullptr; }
     HourRulerWidget *hourRuler() const { return m_hourRuler; }
-    // The menu of a box: copy the chat link or the name, open the wiki page, set or remove the
-    // event's reminder, the reminder preferences. The caller shows it; it deletes itself once
-    // closed.
-    QMenu *boxMenu(qsizetype box);
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
     QWidget *verticalScrollContent() const { return m_verticalScrollContent; }
-    QWidget *sectionsView() const { return m_sectionsView; }
+    SectionColumn *sectionsView() const { return m_sectionsView; }
     TimelineWidget *horizontalScrollContent() const { return m_horizontalScrollContent; }
     HorizontalScroll *horizontalScroll() const { return m_horizontalScroll; }
-    QFrame *clipboardMessage() const { return m_clipboardMessage; }
+    // Absent until the timetable is built.
+    ClipboardMessage *clipboardMessage() const { return m_clipboardMessage; }
     QLabel *emptyMessage() const { return m_emptyMessage; }
     // Under the empty message: why nothing could be loaded; while loading: what is loading.
     QLabel *statusMessage() const { return m_statusMessage; }
 
-    const SectionList &sections() const { return m_sections; }
-    const QHash<QString, QGroupBox *> &categories() const { return m_categories; }
+    const QHash<QString, QGroupBox *> &categories() const { return m_sectionsView->categories(); }
+    // The marker's left edge on the time axis; absent until the first time update.
     std::optional<double> timeConstraint() const { return m_timeConstraint; }
     QLabel *timeLabel() const { return m_timeLabel; }
     bool isBuilt() const { return m_built; }
-    const TimetableGeometry &geometry() const { return m_geometry; }
 
 private:
     void loadView();
@@ -126,44 +123,28 @@ private:
     void buildTimeline();
     void sizeContents();
 
-    void showMarks();
-    void findQueryChanged(const QString &query);
-    void showFind();
-    void placeSectionColumn();
-    QSize labelSize(const QString &name) const;
-    double labelHeight(const QString &name) const;
-    int sectionColumnWidth() const;
-    // Scrolls both areas so that the box with the keyboard's focus ring is in view.
-    void revealBox(qsizetype box);
-
     Clock &m_clock;
-    QPointer<ReminderChoices> m_choices;
-    QString m_wikiPageUrl;
+    BoxMenu *m_boxMenu = nullptr;
+    ReminderMarks *m_marks = nullptr;
 
     QPointer<QWidget> m_view;
     QPointer<QScrollArea> m_verticalScroll;
     QPointer<QWidget> m_verticalScrollContent;
-    QPointer<QWidget> m_sectionsView;
+    QPointer<SectionColumn> m_sectionsView;
     QPointer<TimelineWidget> m_horizontalScrollContent;
     QPointer<HorizontalScroll> m_horizontalScroll;
-    QPointer<QFrame> m_clipboardMessage;
+    QPointer<ClipboardMessage> m_clipboardMessage;
     QPointer<QLabel> m_emptyMessage;
     QPointer<QLabel> m_statusMessage;
-    QPointer<FindBar> m_findBar;
     QPointer<QWidget> m_rulerRow;
     QPointer<QWidget> m_rulerIndent;
     QPointer<HourRulerWidget> m_hourRuler;
-    QList<qsizetype> m_findMatches;
-    std::optional<qsizetype> m_findCurrent;
-    std::optional<QPoint> m_scrollBeforeFind;
+    QPointer<FindController> m_find;
 
     SectionList m_sections;
     SectionList m_followingDay;
-    mutable QHash<QString, QSize> m_labelSizes;
-    QHash<QString, QGroupBox *> m_categories;
     std::optional<double> m_timeConstraint;
     QPointer<QLabel> m_timeLabel;
-    QList<QLabel *> m_sectionLabels;
     TimetableGeometry m_geometry;
     QDateTime m_builtAt;
     bool m_loaded = false;

@@ -2,6 +2,7 @@
 #include "smallday.h"
 #include "timetable/find.h"
 #include "timetable/hourruler.h"
+#include "timetable/revealscroll.h"
 #include "timetable/timelinenavigation.h"
 
 #include <QTest>
@@ -163,6 +164,31 @@ private Q_SLOTS:
         QTEST(labelOf(boxes.at(*navigation.entryBox(top, bottom, 6000.0))), "box");
         navigation.setBoxes({});
         QVERIFY(!navigation.entryBox(top, bottom, 6000.0));
+    }
+
+    // The least scroll that shows the box, 8 points from the edge, within the bar's range: here
+    // a view 700 long at 900 of 13500, both ways.
+    void revealScrollsTheLeast_data()
+    {
+        QTest::addColumn<QRectF>("box");
+        QTest::addColumn<int>("sideways");
+        QTest::addColumn<int>("upright");
+        QTest::newRow("after, below") << QRectF(2000, 1600, 100, 50) << 1408 << 958;
+        QTest::newRow("before, above") << QRectF(500, 850, 100, 50) << 492 << 842;
+        QTest::newRow("partly out, odd height") << QRectF(1550, 1580, 100, 45) << 958 << 934;
+        QTest::newRow("long, seen in its middle; in view")
+            << QRectF(0, 1000, 5000, 50) << 900 << 900;
+        QTest::newRow("longer than the view: its start")
+            << QRectF(3000, 1000, 1000, 50) << 2992 << 900;
+        QTest::newRow("at the end") << QRectF(14300, 14300, 100, 50) << 13500 << 13500;
+    }
+
+    void revealScrollsTheLeast()
+    {
+        QFETCH(QRectF, box);
+        const RevealScroll::Axis bar{900, 700, 13500};
+        QTEST(RevealScroll::sideways(box, bar), "sideways");
+        QTEST(RevealScroll::upright(static_cast<int>(box.top()), box.height(), bar), "upright");
     }
 
     void wikiPagesAreSafeAddresses_data()

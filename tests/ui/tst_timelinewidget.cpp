@@ -311,15 +311,10 @@ private Q_SLOTS:
         if (keys.isEmpty())
             QCOMPARE(QPoint(window.sideways()->value(), window.upright()->value()), before);
 
-        // As much of it as each view holds, with room for the ring.
+        // All its height in view (how far the areas scroll: see RevealScroll; sideways: find).
         const QRect rect = timeline.boxes().at(*timeline.currentBox()).rect.toAlignedRect();
-        const auto shown = [&](const QScrollArea *area) {
-            return QRect(timeline.mapTo(area->viewport(), rect.topLeft()), rect.size()) &
-                   area->viewport()->rect();
-        };
-        const HorizontalScroll *day = window.controller().horizontalScroll();
-        QCOMPARE_GE(shown(day).width(), std::min(rect.width() - 1, day->viewport()->width() - 16));
-        QCOMPARE(shown(timetable).height(), rect.height());
+        const QRect shown(timeline.mapTo(timetable->viewport(), rect.topLeft()), rect.size());
+        QCOMPARE((shown & timetable->viewport()->rect()).height(), rect.height());
     }
 
     void ringIsPaintedOnTheCurrentBoxOnly()
@@ -449,8 +444,6 @@ private Q_SLOTS:
         QCOMPARE(list->child(9)->text(QAccessible::Name), window.controller().timeLabel()->text());
 
         // The item under a point; the clock label lies over the boxes.
-        const QRect box = timeline.boxes().first().rect.toAlignedRect();
-        QCOMPARE(list->child(0)->rect(), QRect(timeline.mapToGlobal(box.topLeft()), box.size()));
         const QPoint onTide = list->child(0)->rect().center();
         QCOMPARE(list->childAt(onTide.x(), onTide.y()), list->child(0));
         const QPoint onLabel = list->child(9)->rect().center();

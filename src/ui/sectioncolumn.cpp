@@ -1,0 +1,88 @@
+#include "ui/sectioncolumn.h"
+
+#include "timetable/layoutconstants.h"
+#include "ui/categorybox.h"
+
+#include <algorithm>
+
+namespace eventtimer {
+
+SectionColumn::SectionColumn(QWidget *parent)
+    : QWidget(parent)
+{}
+
+QSize SectionColumn::labelSize(const QString &name) const
+{
+    // The natural size of a plain, right-aligned label showing the name. Shaping a text is the
+    // costliest part of a build: each name is measured once.
+    auto known = m_labelSizes.constFind(name);
+    if (known == m_labelSizes.cend())
+        known = m_labelSizes.insert(
+            name, QFontMetrics(font()).boundingRect(QRect(), Qt::AlignRight, name).size());
+    return *known;
+}
+
+double SectionColumn::labelHeight(const QString &name) const
+{
+    return labelSize(name).height();
+}
+
+int SectionColumn::widthFor(const TimetableGeometry &geometry) const
+{
+    using W = WindowConstants;
+    const QFontMetrics metrics(font());
+    int widest = 0;
+    for (const SectionLabelGeometry &label : geometry.sectionLabels)
+        widest = std::max(widest, labelSize(label.text).width());
+    for (const CategoryBoxGeometry &box : geometry.categoryBoxes)
+        widest = std::max(widest, metrics.horizontalAdvance(box.title) + W::categoryTitleRoom);
+    // The labels sit two margins inside their boxes, which sit inside the column.
+    const int needed =
+        widest +
+        static_cast<int>(4 * LayoutConstants::boxMargin + 2 * LayoutConstants::categoryDistance) +
+        W::sectionColumnSlack;
+    return std::clamp(needed, W::minSectionColumnWidth, W::maxSectionColumnWidth);
+}
+
+void SectionColumn::build(const TimetableGeometry &geometry)
+{
+    setFixedWidth(widthFor(geometry));
+    m_boxGeometry = geometry.categoryBoxes;
+    m_labelGeometry = geometry.sectionLabels;
+    for (const CategoryBoxGeometry &box : std::as_const(m_boxGeometry)) {
+        auto *widget = new CategoryBox(box.title, this);
+        m_categories.insert(box.title, widget);
+        widget->show(); // the column may already be on screen
+    }
+    for (const SectionLabelGeometry &label : std::as_const(m_labelGeometry)) {
+        auto *widget = new QLabel(m_categories.value(m_boxGeometry.at(label.categoryBox).title));
+        widget->setTextFormat(Qt::PlainText);
+        widget->setText(label.text);
+        widget->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        widget->setToolTip(label.text.toHtmlEscaped());
+        widget->show();
+        m_labels.append(widget);
+    }
+    place();
+}
+
+void SectionColumn::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    place();
+}
+
+void SectionColumn::place()
+{
+    const double columnWidth = width();
+    for (const CategoryBoxGeometry &box : std::as_const(m_boxGeometry))
+        m_categories.value(box.title)->setGeometry(box.rect(columnWidth).toAlignedRect());
+    for (qsizetype i = 0; i < m_labelGeometry.size(); ++i) {
+        const SectionLabelGeometry &label = m_labelGeometry.at(i);
+        const QRectF box = m_boxGeometry.at(label.categoryBox).rect(columnWidth);
+        m_labels.at(i)->setGeometry(
+            label.rect(columnWidth).translated(-box.topLeft()).toAlignedRect());
+    }
+}
+
+} // namespace eventtimer

@@ -1,0 +1,130 @@
+#include "ui/timelinerenderer.h"
+
+#include "timetable/hourruler.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace eventtimer {
+
+TimelineRenderer::TimelineRenderer(const QWidget &surface)
+    : m_surface(surface)
+{}
+
+void TimelineRenderer::clear()
+{
+    m_painter.clear();
+    m_boxPixmaps.clear();
+}
+
+void TimelineRenderer::invalidate(qsizetype box)
+{
+    m_boxPixmaps.remove(box);
+}
+
+QColor TimelineRenderer::veil(float opacity) const
+{
+    QColor colour = m_surface.palette().color(QPalette::Window);
+    colour.setAlphaF(opacity);
+    return colour;
+}
+
+EventBoxPainter::State TimelineRenderer::lookOf(const QList<EventBoxGeometry> &boxes,
+                                                const TimelineState &state, qsizetype index) const
+{
+    EventBoxPainter::State look;
+    if (state.hoveredButton() == index)
+        look.button = state.pressedButton() == index ? EventBoxPainter::Button::Pressed
+                                                     : EventBoxPainter::Button::Hovered;
+    if ((m_surface.hasFocus() && state.currentBox() == index) || state.findCurrent() == index)
+        look.focusRing = m_surface.palette().color(QPalette::Highlight);
+    look.marked = state.isMarked(boxes.at(index));
+    return look;
+}
+
+void TimelineRenderer::paint(QPainter &painter, const QRectF &exposed,
+                             const QList<EventBoxGeometry> &boxes, const TimelineState &state)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double height = m_surface.height();
+    m_painter.setFont(m_surface.font());
+    m_painter.setDevicePixelRatio(m_surface.devicePixelRatioF());
+    m_painter.setBackground(m_surface.palette().color(QPalette::Window));
+
+    if (state.hourOffset())
+        paintHourLines(painter, exposed, *state.hourOffset());
+    if (state.dayEndX() && exposed.intersects(QRectF(*state.dayEndX() - 1, 0, 200, height)))
+        paintDayEnd(painter, *state.dayEndX(), state.nextDay());
+    if (state.markerX())
+        painter.fillRect(QRectF(*state.markerX(), 0, 1.0, height), Qt::red);
+    // The first paint draws straight away: nothing is cached yet, and a start should not wait
+    // for pixmaps it may never reuse.
+    for (qsizetype i = 0; i < boxes.size(); ++i) {
+        const QRectF &rect = boxes.at(i).rect;
+        if (!rect.intersects(exposed) || rect.width() <= 0 || rect.height() <= 0)
+            continue;
+        if (m_paintedOnce)
+            painter.drawPixmap(rect.topLeft(), boxPixmap(boxes, state, i));
+        else
+            m_painter.paint(painter, boxes.at(i), lookOf(boxes, state, i));
+        if (!state.isFound(i))
+            painter.fillRect(rect, veil(0.75F));
+    }
+    m_paintedOnce = true;
+    // What is over reads as over: a veil in the window's own colour, lighter in a light theme
+    // and darker in a dark one, up to the marker.
+    if (state.markerX())
+        painter.fillRect(pastVeil(*state.markerX(), height).intersected(exposed), veil(0.45F));
+}
+
+void TimelineRenderer::paintHourLines(QPainter &painter, const QRectF &exposed,
+                                      qint64 offsetMinutes) const
+{
+    // Faint lines at the hours the ruler shows, behind the boxes.
+    QColor faint = m_surface.palette().color(QPalette::WindowText);
+    faint.setAlphaF(0.08F);
+    for (const RulerMark &mark : rulerMarks(exposed.left() - 1, exposed.right() + 1, offsetMinutes))
+        if (mark.hour)
+            painter.fillRect(QRectF(mark.x, exposed.top(), 1.0, exposed.height()), faint);
+}
+
+void TimelineRenderer::paintDayEnd(QPainter &painter, double x, const QString &nextDay) const
+{
+    const QPalette &palette = m_surface.palette();
+    QColor faint = palette.color(QPalette::WindowText);
+    faint.setAlphaF(0.35F);
+    painter.fillRect(QRectF(x - 1, 0, 1.0, m_surface.height()), faint);
+    painter.setPen(palette.color(QPalette::PlaceholderText));
+    painter.drawText(QPointF(x + 4, QFontMetricsF(m_surface.font()).ascent() + 3), nextDay);
+}
+
+const QPixmap &TimelineRenderer::boxPixmap(const QList<EventBoxGeometry> &boxes,
+                                           const TimelineState &state, qsizetype index)
+{
+    if (const QPixmap *cached = m_boxPixmaps.object(index))
+        return *cached;
+    const QRectF rect = boxes.at(index).rect;
+    const qreal ratio = m_surface.devicePixelRatioF();
+    auto *pixmap = new QPixmap((rect.size() * ratio).toSize().expandedTo(QSize(1, 1)));
+    pixmap->setDevicePixelRatio(ratio);
+    pixmap->fill(Qt::transparent);
+    QPainter painter(pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(-rect.topLeft());
+    m_painter.paint(painter, boxes.at(index), lookOf(boxes, state, index));
+    painter.end();
+    const qsizetype kilobytes =
+        std::max<qsizetype>(1, qsizetype{pixmap->width()} * pixmap->height() * 4 / 1024);
+    // A box larger than the whole cache is drawn from a pixmap that is not kept.
+    if (!m_boxPixmaps.insert(index, pixmap, kilobytes)) {
+        m_uncached = *pixmap;
+        delete pixmap;
+        return m_uncached;
+    }
+    return *m_boxPixmaps.object(index);
+}
+
+} // namespace eventtimer
