@@ -1,6 +1,7 @@
 #include "next/next.h"
 
 #include "data/suiteformat.h"
+#include "model/shownstart.h"
 
 #include <QCommandLineParser>
 #include <QFile>
@@ -16,7 +17,6 @@ namespace eventtimer::next {
 
 namespace {
 
-constexpr int dayMinutes = 24 * 60;
 constexpr qint64 soonSeconds = 10 * 60;
 constexpr qint64 maxSuiteBytes = 16 * 1024 * 1024;
 
@@ -270,15 +270,14 @@ Result<Suite> readSuite(const QString &path)
 
 QList<Upcoming> upcoming(const Suite &suite, const QDateTime &now, const QTimeZone &zone)
 {
-    const QDateTime local = now.toTimeZone(zone);
-    const qint64 offsetMinutes = zone.offsetFromUtc(now) / 60;
+    // The suite's day, and the moment its timetable was built: the offset its boxes' times took.
+    const QDate day = suite.writtenAt.toTimeZone(zone).date();
+    const double midnight = static_cast<double>(day.startOfDay(zone).toSecsSinceEpoch());
     QList<Upcoming> events;
     for (const Entry &entry : suite.entries) {
-        // The box's minute on the axis, shown shifted by the present offset, as its time text.
-        const qint64 minute = (entry.time / 60 + offsetMinutes) % dayMinutes;
-        const int shown = static_cast<int>((minute + dayMinutes) % dayMinutes);
-        const QTime start(shown / 60, shown % 60);
-        const QDateTime due(local.date(), start, zone);
+        const QTime start =
+            shownStart(midnight + static_cast<double>(entry.time), zone, suite.writtenAt);
+        const QDateTime due(day, start, zone);
         if (due.secsTo(now) < 60)
             events.append({&entry, due, start.toString(u"HH:mm")});
     }
