@@ -1,6 +1,7 @@
 #include "ui/timelinewidget.h"
 
 #include "model/event.h"
+#include "timetable/boxtexts.h"
 #include "timetable/hourruler.h"
 #include "ui/timelineaccessible.h"
 
@@ -461,15 +462,7 @@ void TimelineWidget::changeEvent(QEvent *event)
 
 QString TimelineWidget::boxDetails(qsizetype box) const
 {
-    const EventBoxGeometry &geometry = m_boxes.at(box);
-    const Event &event = geometry.event();
-    QStringList lines{event.name};
-    if (event.section)
-        lines.append(*event.section);
-    lines.append(geometry.timeSpanText() + (geometry.tomorrow ? u", tomorrow"_s : QString()));
-    if (event.chatLink)
-        lines.append(*event.chatLink);
-    return lines.join(u'\n');
+    return boxtexts::details(m_boxes.at(box));
 }
 
 bool TimelineWidget::event(QEvent *event)

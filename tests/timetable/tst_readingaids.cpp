@@ -1,5 +1,6 @@
 #include "model/wikipage.h"
 #include "smallday.h"
+#include "timetable/boxtexts.h"
 #include "timetable/find.h"
 #include "timetable/hourruler.h"
 #include "timetable/timelinenavigation.h"
@@ -52,17 +53,17 @@ private Q_SLOTS:
         QCOMPARE(pastVeil(1234.0, 80.0), QRectF(0, 0, 1234.0, 80.0));
     }
 
+    // The tooltip and what screen readers hear, from the box's numbers. (Whole hours: see the
+    // box details in tst_timelinewidget.)
     void boxesTellTheirTimes()
     {
-        // Whole hours alone: see the box details in tst_timelinewidget.
-        EventBoxGeometry box;
-        box.startText = u"21:20"_s;
-        const auto span = [&box](qint64 length) {
-            box.item = std::make_shared<SequenceItem>(std::make_shared<Event>(), length, 0.0);
-            return box.timeSpanText();
-        };
-        QCOMPARE(span(15), u"21:20\u201321:35, 15 min"_s);
-        QCOMPARE(span(190), u"21:20\u201300:30, 3 h 10 min"_s);
+        QCOMPARE(boxtexts::details(boxes.at(boxNamed(boxes, u"Market 10:00"_s))),
+                 u"Market\nHarbour\n10:00\u201310:30, 30 min"_s);
+        EventBoxGeometry watch = boxes.at(boxNamed(boxes, u"Watch 12:30"_s));
+        watch.tomorrow = true;
+        QCOMPARE(boxtexts::details(watch),
+                 u"Watch\nKeep\n12:30\u201300:00, 11 h 30 min, tomorrow"_s);
+        QCOMPARE(boxtexts::description(watch, true), u"12:30, Keep, tomorrow, reminder set"_s);
     }
 
     // Case and accents do not count; the walk goes by start and wraps at the ends.
