@@ -75,9 +75,9 @@ void TimelineWidget::setMarkerX(double x)
     update(QRectF(from - 1, 0, to - from + 3, height()).toAlignedRect());
 }
 
-void TimelineWidget::setHourOffset(qint64 minutes)
+void TimelineWidget::setHourMarks(QList<RulerMark> marks)
 {
-    m_hourOffset = minutes;
+    m_hourMarks = std::move(marks);
     update();
 }
 
@@ -150,11 +150,11 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
     m_painter.setDevicePixelRatio(devicePixelRatioF());
     m_painter.setBackground(palette().color(QPalette::Window));
 
-    if (m_hourOffset) {
+    if (!m_hourMarks.isEmpty()) {
         QColor faint = palette().color(QPalette::WindowText);
         faint.setAlphaF(0.08F);
         for (const RulerMark &mark :
-             rulerMarks(exposed.left() - 1, exposed.right() + 1, *m_hourOffset))
+             marksBetween(m_hourMarks, exposed.left() - 1, exposed.right() + 1))
             if (mark.hour)
                 painter.fillRect(QRectF(mark.x, exposed.top(), 1.0, exposed.height()), faint);
     }

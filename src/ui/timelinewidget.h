@@ -1,5 +1,6 @@
 #pragma once
 
+#include "timetable/hourruler.h"
 #include "timetable/timelinenavigation.h"
 #include "timetable/timetablelayout.h"
 #include "ui/eventboxpainter.h"
@@ -52,9 +53,8 @@ public:
     // next day's date at its top.
     void setDayEnd(double x, const QString &nextDay);
 
-    // The offset from UTC the boxes' texts use, in minutes: faint lines at their hours run
-    // behind the boxes.
-    void setHourOffset(qint64 minutes);
+    // The ruler's marks (rulerMarks): faint lines at their hours run behind the boxes.
+    void setHourMarks(QList<RulerMark> marks);
 
     // While find is open: the boxes that match stay clear, the others are veiled, and the
     // current match carries the ring. Absent: no find.
@@ -127,7 +127,7 @@ private:
     QSet<QString> m_markedNames;
     std::optional<double> m_dayEndX;
     QString m_nextDay;
-    std::optional<qint64> m_hourOffset;
+    QList<RulerMark> m_hourMarks;
     std::optional<QSet<qsizetype>> m_findMatches;
     std::optional<qsizetype> m_findCurrent;
 };
