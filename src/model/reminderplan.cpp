@@ -1,6 +1,7 @@
 #include "model/reminderplan.h"
 
 #include "model/scheduleday.h"
+#include "model/shownstart.h"
 
 #include <algorithm>
 
@@ -41,7 +42,6 @@ QList<Reminder> planReminders(const QList<PlannedDay> &days, const QSet<QString>
     QList<Reminder> reminders;
     if (marked.isEmpty())
         return reminders;
-    const auto offset = static_cast<double>(zone.offsetFromUtc(textsAt));
     for (qsizetype d = 0; d < days.size(); ++d) {
         const PlannedDay &day = days.at(d);
         const double dayStart = secondsSinceEpoch(day.date.startOfDay(zone));
@@ -57,9 +57,7 @@ QList<Reminder> planReminders(const QList<PlannedDay> &days, const QSet<QString>
                 if (!marked.contains(item.event->name) ||
                     (i == 0 && continuesPreviousDay(*section, previous, dayStart)))
                     continue;
-                // The box's text: the start shifted by the offset, read in the zone.
-                const QTime shown = dateTimeFromSeconds(item.time + offset, zone).time();
-                const QTime start(shown.hour(), shown.minute());
+                const QTime start = shownStart(item.time, zone, textsAt);
                 Reminder reminder;
                 reminder.due = QDateTime(day.date, start, zone);
                 reminder.at = reminder.due.addSecs(-60LL * leadMinutes);

@@ -2,6 +2,7 @@
 
 #include "model/scheduleday.h"
 #include "model/sequenceitem.h"
+#include "model/shownstart.h"
 
 namespace eventtimer {
 
@@ -14,8 +15,7 @@ qint64 minutesFromDayStart(const SequenceItem &item, const QTimeZone &zone)
 
 QString startTimeText(const SequenceItem &item, const QTimeZone &zone, const QDateTime &now)
 {
-    const auto offset = static_cast<double>(zone.offsetFromUtc(now));
-    return dateTimeFromSeconds(item.time + offset, zone).toString(u"HH:mm");
+    return shownStart(item.time, zone, now).toString(u"HH:mm");
 }
 
 DayMinutes::DayMinutes(QTimeZone zone)

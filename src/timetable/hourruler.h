@@ -1,8 +1,12 @@
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QRectF>
 #include <QString>
+#include <QTimeZone>
+
+#include <span>
 
 namespace eventtimer {
 
@@ -15,11 +19,16 @@ struct RulerMark
     QString label;
 };
 
-// The ruler's marks between two points of the axis: every hour with its label and every
-// quarter. A place on the axis reads as the boxes' times do, its minute shifted by the offset
-// from UTC the boxes' texts use, so a box that shows 21:20 stands under the ruler's 21:20; past
-// the day's end the hours simply go on.
-QList<RulerMark> rulerMarks(double left, double right, qint64 offsetMinutes);
+// The ruler's marks along the axis of the timetable built at builtAt in zone, from its start to
+// axisWidth and at least over the next day's first hours: every quarter, and every hour with its
+// label, stands where a box showing that time (shownStart) stands. The day's boxes stand at the
+// minutes since its local midnight, the next day's past the day's end at the minutes since the
+// next one; on a daylight-saving change day the labels jump where the boxes' times do. Made
+// once per timetable: a paint takes the marks it needs with marksBetween.
+QList<RulerMark> rulerMarks(const QTimeZone &zone, const QDateTime &builtAt, double axisWidth);
+
+// The marks from left to right, both included: a view into marks, which are in the order of x.
+std::span<const RulerMark> marksBetween(const QList<RulerMark> &marks, double left, double right);
 
 // What the past veil covers: the axis left of the marker.
 QRectF pastVeil(double markerX, double height);

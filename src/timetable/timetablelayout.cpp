@@ -1,6 +1,7 @@
 #include "timetable/timetablelayout.h"
 
-#include "model/scheduleday.h"
+#include "model/shownstart.h"
+#include "timetable/boxtexts.h"
 
 #include <QHash>
 
@@ -23,21 +24,6 @@ QRectF SectionLabelGeometry::rect(double columnWidth) const
     // Only the width and top are fixed by the rules; the label sits boxMargin inside its box.
     const double boxWidth = columnWidth - 2 * C::categoryDistance;
     return QRectF(C::boxMargin + C::boxMargin, top, boxWidth - 2 * C::boxMargin, height);
-}
-
-QString EventBoxGeometry::timeSpanText() const
-{
-    const qint64 length = item->duration;
-    const QTime start = QTime::fromString(startText, u"HH:mm");
-    const QString end = start.addSecs(length * 60).toString(u"HH:mm");
-    const qint64 hours = length / 60;
-    const qint64 minutes = length % 60;
-    QString duration;
-    if (hours > 0)
-        duration = QString::number(hours) + u" h"_s;
-    if (minutes > 0 || hours == 0)
-        duration += (duration.isEmpty() ? u""_s : u" "_s) + QString::number(minutes) + u" min"_s;
-    return startText + u"\u2013"_s + end + u", "_s + duration;
 }
 
 QRectF EventBoxGeometry::nameRect(const QRectF &box, double textHeight)
@@ -89,19 +75,18 @@ TimetableLayout::TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labe
     , m_now(std::move(now))
     , m_labelHeight(std::move(labelHeight))
     , m_minutes(m_zone)
-    , m_nowOffset(static_cast<double>(m_zone.offsetFromUtc(m_now)))
 {}
 
-QString TimetableLayout::startTextOf(const SequenceItem &item)
+const TimetableLayout::ShownStart &TimetableLayout::shownStartOf(const SequenceItem &item)
 {
-    // The text depends only on the shifted moment's minute (seconds never show).
-    const double shifted = item.time + m_nowOffset;
-    const auto minute = static_cast<qint64>(std::floor(shifted / 60.0));
-    if (shifted != static_cast<double>(minute) * 60.0)
-        return startTimeText(item, m_zone, m_now);
-    auto it = m_startTexts.find(minute);
-    if (it == m_startTexts.end())
-        it = m_startTexts.insert(minute, startTimeText(item, m_zone, m_now));
+    // The shown minute follows from the start's whole second alone.
+    const auto second = static_cast<qint64>(std::floor(item.time));
+    auto it = m_shownStarts.find(second);
+    if (it == m_shownStarts.end()) {
+        const QTime shown = shownStart(item.time, m_zone, m_now);
+        const qint64 minute = shown.hour() * 60 + shown.minute();
+        it = m_shownStarts.insert(second, {minute, boxtexts::clock(minute)});
+    }
     return it.value();
 }
 
@@ -220,7 +205,9 @@ void TimetableLayout::addEventBox(const std::shared_ptr<SequenceItem> &item, qsi
     EventBoxGeometry box;
     box.item = item;
     box.minutes = minutes;
-    box.startText = startTextOf(*item);
+    const ShownStart &shown = shownStartOf(*item);
+    box.shownMinute = shown.minute;
+    box.startText = shown.text;
     box.row = sectionLabel;
     box.rect = QRectF(static_cast<double>(minutes * C::minutesMultiplier),
                       row.rowTop + C::sectionDistance * 0.5 + C::boxMargin,

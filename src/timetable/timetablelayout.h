@@ -42,14 +42,14 @@ struct EventBoxGeometry
     std::shared_ptr<SequenceItem> item;
     QRectF rect;
     qint64 minutes = 0;
+    // The start it shows (shownStart) in minutes from 00:00, 1280 for 21:20, and as text.
+    qint64 shownMinute = 0;
     QString startText;
     qsizetype row = 0;
     // One of the next day's first occurrences, after the day's end.
     bool tomorrow = false;
 
     const Event &event() const { return *item->event; }
-    // "21:20–21:35, 15 min": the shown start, the end and the length.
-    QString timeSpanText() const;
 
     // Where the parts of a box go: the name along the top, the start time at the bottom left,
     // the icon centred, the copy button in the bottom-right corner.
@@ -136,9 +136,15 @@ public:
     TimetableGeometry takeGeometry() { return std::move(m_geometry); }
 
 private:
-    // The same as startTimeText, without a time-zone lookup for every box: a day's
-    // occurrences share a few hundred start minutes.
-    QString startTextOf(const SequenceItem &item);
+    struct ShownStart
+    {
+        qint64 minute = 0;
+        QString text;
+    };
+
+    // shownStart once per start, not a time-zone lookup for every box: a day's occurrences
+    // share a few hundred start minutes.
+    const ShownStart &shownStartOf(const SequenceItem &item);
 
     QTimeZone m_zone;
     QDateTime m_now;
@@ -146,8 +152,7 @@ private:
     TimetableGeometry m_geometry;
     QHash<QString, qsizetype> m_categories;
     DayMinutes m_minutes;
-    QHash<qint64, QString> m_startTexts;
-    double m_nowOffset = 0;
+    QHash<qint64, ShownStart> m_shownStarts;
 };
 
 } // namespace eventtimer

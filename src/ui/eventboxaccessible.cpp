@@ -1,6 +1,7 @@
 #include "ui/eventboxaccessible.h"
 
 #include "model/event.h"
+#include "timetable/boxtexts.h"
 #include "ui/timelinewidget.h"
 
 #include <QKeySequence>
@@ -74,15 +75,8 @@ QString EventBoxAccessible::text(QAccessible::Text type) const
     switch (type) {
     case QAccessible::Name:
         return box.event().name;
-    case QAccessible::Description: {
-        const std::optional<QString> &section = box.event().section;
-        QString description = section ? box.startText + u", "_s + *section : box.startText;
-        if (box.tomorrow)
-            description += u", tomorrow"_s;
-        if (m_timeline->isMarked(m_index))
-            description += u", reminder set"_s;
-        return description;
-    }
+    case QAccessible::Description:
+        return boxtexts::description(box, m_timeline->isMarked(m_index));
     default:
         return {};
     }

@@ -1,7 +1,5 @@
 #include "ui/hourrulerwidget.h"
 
-#include "timetable/hourruler.h"
-
 #include <QFontMetricsF>
 #include <QPaintEvent>
 #include <QPainter>
@@ -21,9 +19,9 @@ HourRulerWidget::HourRulerWidget(QWidget *parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-void HourRulerWidget::setOffsetMinutes(qint64 minutes)
+void HourRulerWidget::setMarks(QList<RulerMark> marks)
 {
-    m_offsetMinutes = minutes;
+    m_marks = std::move(marks);
     update();
 }
 
@@ -42,7 +40,7 @@ QSize HourRulerWidget::sizeHint() const
 
 void HourRulerWidget::paintEvent(QPaintEvent *event)
 {
-    if (!m_offsetMinutes)
+    if (m_marks.isEmpty())
         return;
     QPainter painter(this);
     const QRectF exposed = event->rect();
@@ -52,8 +50,8 @@ void HourRulerWidget::paintEvent(QPaintEvent *event)
     painter.drawLine(QPointF(exposed.left(), bottom), QPointF(exposed.right(), bottom));
     // Labels reach half their width beyond the exposed part.
     const double slack = metrics.horizontalAdvance(QStringLiteral("00:00"));
-    for (const RulerMark &mark : rulerMarks(m_scroll + exposed.left() - slack,
-                                            m_scroll + exposed.right() + slack, *m_offsetMinutes)) {
+    for (const RulerMark &mark : marksBetween(m_marks, m_scroll + exposed.left() - slack,
+                                              m_scroll + exposed.right() + slack)) {
         const double x = mark.x - m_scroll + 0.5;
         painter.setPen(palette().color(mark.hour ? QPalette::WindowText : QPalette::Mid));
         painter.drawLine(QPointF(x, bottom),

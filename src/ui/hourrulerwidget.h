@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QWidget>
+#include "timetable/hourruler.h"
 
-#include <optional>
+#include <QWidget>
 
 namespace eventtimer {
 
@@ -15,8 +15,8 @@ class HourRulerWidget : public QWidget
 public:
     explicit HourRulerWidget(QWidget *parent = nullptr);
 
-    // The offset from UTC the boxes' texts use, in minutes.
-    void setOffsetMinutes(qint64 minutes);
+    // The timetable's marks (rulerMarks); none: an empty ruler.
+    void setMarks(QList<RulerMark> marks);
     // The axis's point at the ruler's left edge.
     void setScroll(int x);
 
@@ -26,7 +26,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    std::optional<qint64> m_offsetMinutes;
+    QList<RulerMark> m_marks;
     int m_scroll = 0;
 };
 

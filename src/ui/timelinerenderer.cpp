@@ -54,8 +54,7 @@ void TimelineRenderer::paint(QPainter &painter, const QRectF &exposed,
     m_painter.setDevicePixelRatio(m_surface.devicePixelRatioF());
     m_painter.setBackground(m_surface.palette().color(QPalette::Window));
 
-    if (state.hourOffset())
-        paintHourLines(painter, exposed, *state.hourOffset());
+    paintHourLines(painter, exposed, state.hourMarks());
     if (state.dayEndX() && exposed.intersects(QRectF(*state.dayEndX() - 1, 0, 200, height)))
         paintDayEnd(painter, *state.dayEndX(), state.nextDay());
     if (state.markerX())
@@ -81,12 +80,12 @@ void TimelineRenderer::paint(QPainter &painter, const QRectF &exposed,
 }
 
 void TimelineRenderer::paintHourLines(QPainter &painter, const QRectF &exposed,
-                                      qint64 offsetMinutes) const
+                                      const QList<RulerMark> &marks) const
 {
     // Faint lines at the hours the ruler shows, behind the boxes.
     QColor faint = m_surface.palette().color(QPalette::WindowText);
     faint.setAlphaF(0.08F);
-    for (const RulerMark &mark : rulerMarks(exposed.left() - 1, exposed.right() + 1, offsetMinutes))
+    for (const RulerMark &mark : marksBetween(marks, exposed.left() - 1, exposed.right() + 1))
         if (mark.hour)
             painter.fillRect(QRectF(mark.x, exposed.top(), 1.0, exposed.height()), faint);
 }

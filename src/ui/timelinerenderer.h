@@ -36,7 +36,8 @@ private:
     // each minute's marker move then cost a blit per box. Bounded to a few screens' worth.
     static constexpr qsizetype pixmapCacheKb = 12 * 1024;
 
-    void paintHourLines(QPainter &painter, const QRectF &exposed, qint64 offsetMinutes) const;
+    void paintHourLines(QPainter &painter, const QRectF &exposed,
+                        const QList<RulerMark> &marks) const;
     void paintDayEnd(QPainter &painter, double x, const QString &nextDay) const;
     EventBoxPainter::State lookOf(const QList<EventBoxGeometry> &boxes, const TimelineState &state,
                                   qsizetype index) const;

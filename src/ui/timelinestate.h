@@ -1,5 +1,7 @@
 #pragma once
 
+#include "timetable/hourruler.h"
+
 #include "timetable/timetablelayout.h"
 
 #include <QList>
@@ -53,9 +55,9 @@ public:
     const QString &nextDay() const { return m_nextDay; }
     void setDayEnd(double x, const QString &nextDay);
 
-    // The offset from UTC the boxes' texts use, in minutes, for the faint hour lines.
-    std::optional<qint64> hourOffset() const { return m_hourOffset; }
-    void setHourOffset(qint64 minutes) { m_hourOffset = minutes; }
+    // The ruler's marks, for the faint hour lines behind the boxes.
+    const QList<RulerMark> &hourMarks() const { return m_hourMarks; }
+    void setHourMarks(QList<RulerMark> marks) { m_hourMarks = std::move(marks); }
 
     // While find is open, the boxes that match stay clear, and the current match carries the
     // ring; without find every box is clear.
@@ -72,7 +74,7 @@ private:
     QSet<QString> m_markedNames;
     std::optional<double> m_dayEndX;
     QString m_nextDay;
-    std::optional<qint64> m_hourOffset;
+    QList<RulerMark> m_hourMarks;
     std::optional<QSet<qsizetype>> m_findMatches;
     std::optional<qsizetype> m_findCurrent;
 };

@@ -1,6 +1,7 @@
 #include "ui/timelinewidget.h"
 
 #include "model/event.h"
+#include "timetable/boxtexts.h"
 #include "timetable/hittest.h"
 #include "ui/timelineaccessible.h"
 #include "ui/timelinetooltip.h"
@@ -43,9 +44,9 @@ void TimelineWidget::setMarkerX(double x)
     update(m_state.setMarkerX(x, height()).toAlignedRect());
 }
 
-void TimelineWidget::setHourOffset(qint64 minutes)
+void TimelineWidget::setHourMarks(QList<RulerMark> marks)
 {
-    m_state.setHourOffset(minutes);
+    m_state.setHourMarks(std::move(marks));
     update();
 }
 
@@ -269,15 +270,7 @@ void TimelineWidget::changeEvent(QEvent *event)
 
 QString TimelineWidget::boxDetails(qsizetype box) const
 {
-    const EventBoxGeometry &geometry = m_boxes.at(box);
-    const Event &event = geometry.event();
-    QStringList lines{event.name};
-    if (event.section)
-        lines.append(*event.section);
-    lines.append(geometry.timeSpanText() + (geometry.tomorrow ? u", tomorrow"_s : QString()));
-    if (event.chatLink)
-        lines.append(*event.chatLink);
-    return lines.join(u'\n');
+    return boxtexts::details(m_boxes.at(box));
 }
 
 bool TimelineWidget::event(QEvent *event)

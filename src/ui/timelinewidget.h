@@ -1,6 +1,7 @@
 #pragma once
 
 #include "timetable/hittest.h"
+#include "timetable/hourruler.h"
 #include "timetable/timelinenavigation.h"
 #include "timetable/timetablelayout.h"
 #include "ui/timelinerenderer.h"
@@ -57,9 +58,8 @@ public:
     // next day's date at its top.
     void setDayEnd(double x, const QString &nextDay);
 
-    // The offset from UTC the boxes' texts use, in minutes: faint lines at their hours run
-    // behind the boxes.
-    void setHourOffset(qint64 minutes);
+    // The ruler's marks (rulerMarks): faint lines at their hours run behind the boxes.
+    void setHourMarks(QList<RulerMark> marks);
 
     // While find is open: the boxes that match stay clear, the others are veiled, and the
     // current match carries the ring. Absent: no find.

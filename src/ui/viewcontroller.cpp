@@ -1,6 +1,7 @@
 #include "ui/viewcontroller.h"
 
 #include "model/clock.h"
+#include "timetable/hourruler.h"
 #include "timetable/layoutconstants.h"
 #include "timetable/timebase.h"
 #include "ui/boxreveal.h"
@@ -207,10 +208,10 @@ void ViewController::buildSectionColumn()
 void ViewController::buildTimeline()
 {
     m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
-    // The boxes' texts are shifted by the offset at the moment they were made; so is the ruler.
-    const qint64 offsetMinutes = m_clock.zone().offsetFromUtc(m_builtAt) / 60;
-    m_horizontalScrollContent->setHourOffset(offsetMinutes);
-    m_hourRuler->setOffsetMinutes(offsetMinutes);
+    // The ruler's marks, made once with the boxes: each reads the axis as the boxes' texts do.
+    const QList<RulerMark> marks = rulerMarks(m_clock.zone(), m_builtAt, m_geometry.axisWidth());
+    m_horizontalScrollContent->setHourMarks(marks);
+    m_hourRuler->setMarks(marks);
     if (m_geometry.followingDate.isValid())
         m_horizontalScrollContent->setDayEnd(
             static_cast<double>(TimetableLayout::dayEndMinute * LayoutConstants::minutesMultiplier),

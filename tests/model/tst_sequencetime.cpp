@@ -1,6 +1,7 @@
 #include "model/globalsequence.h"
 #include "model/scheduleday.h"
 #include "model/sequencetime.h"
+#include "model/shownstart.h"
 #include "testday.h"
 
 #include <QTest>
@@ -28,50 +29,54 @@ class TestSequenceTime : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void minutesAndStartText_data()
+    void minutesAndShownStart_data()
     {
         QTest::addColumn<QByteArray>("zone");
         QTest::addColumn<QString>("start");
         QTest::addColumn<QString>("now");
         QTest::addColumn<qint64>("minutes");
-        QTest::addColumn<QString>("text");
+        QTest::addColumn<QTime>("shown");
 
         QTest::newRow("06:30:59.999 is still minute 390")
             << "UTC"_ba << u"2026-11-22T06:30:59.999Z"_s << u"2026-11-22T12:00:00Z"_s << qint64{390}
-            << u"06:30"_s;
-        // The text adds the zone's offset once more to a local time, as the boxes show it.
+            << QTime(6, 30);
+        // The zone's offset is added once more to a local time, as the boxes show it.
         QTest::newRow("local midnight at UTC+2 reads 02:00")
             << "UTC+02:00"_ba << u"2026-11-22T00:00:00+02:00"_s << u"2026-11-22T12:00:00Z"_s
-            << qint64{0} << u"02:00"_s;
+            << qint64{0} << QTime(2, 0);
         QTest::newRow("local midnight at UTC-5 reads 19:00")
             << "UTC-05:00"_ba << u"2026-11-22T00:00:00-05:00"_s << u"2026-11-22T12:00:00Z"_s
-            << qint64{0} << u"19:00"_s;
+            << qint64{0} << QTime(19, 0);
         // On Berlin's spring change day the offset is taken now, not at the occurrence: the same
         // midnight (CET, +1) reads 01:00 before the change and 03:00 after it (+2).
         QTest::newRow("change day, before the change")
             << "Europe/Berlin"_ba << u"2026-03-29T00:00:00+01:00"_s << u"2026-03-29T00:30:00Z"_s
-            << qint64{0} << u"01:00"_s;
+            << qint64{0} << QTime(1, 0);
         QTest::newRow("change day, after the change")
             << "Europe/Berlin"_ba << u"2026-03-29T00:00:00+01:00"_s << u"2026-03-29T12:00:00Z"_s
-            << qint64{0} << u"03:00"_s;
+            << qint64{0} << QTime(3, 0);
         QTest::newRow("change day: minutes count real time from midnight")
             << "Europe/Berlin"_ba << u"2026-03-29T12:00:00+02:00"_s << u"2026-03-29T12:00:00Z"_s
-            << qint64{660} << u"14:00"_s;
+            << qint64{660} << QTime(14, 0);
+        // The autumn change day seen at noon (+1): 02:00 summer time reads 02:00, as 01:00
+        // summer time an hour before it does.
+        QTest::newRow("autumn change day, 02:00 summer time")
+            << "Europe/Berlin"_ba << u"2026-10-25T02:00:00+02:00"_s << u"2026-10-25T12:00:00Z"_s
+            << qint64{120} << QTime(2, 0);
     }
 
-    void minutesAndStartText()
+    void minutesAndShownStart()
     {
         QFETCH(QByteArray, zone);
         QFETCH(QString, start);
         QFETCH(QString, now);
         QFETCH(qint64, minutes);
-        QFETCH(QString, text);
         const QTimeZone timeZone(zone);
         const SequenceItem item(std::make_shared<Event>(), 30,
                                 secondsSinceEpoch(QDateTime::fromString(start, Qt::ISODate)));
         QCOMPARE(minutesFromDayStart(item, timeZone), minutes);
         QCOMPARE(DayMinutes(timeZone).of(item), minutes);
-        QCOMPARE(startTimeText(item, timeZone, QDateTime::fromString(now, Qt::ISODate)), text);
+        QTEST(shownStart(item.time, timeZone, QDateTime::fromString(now, Qt::ISODate)), "shown");
     }
 
     void chatLinkKeys_data()

@@ -1,5 +1,7 @@
+#include "model/scheduleday.h"
 #include "model/wikipage.h"
 #include "smallday.h"
+#include "timetable/boxtexts.h"
 #include "timetable/find.h"
 #include "timetable/hourruler.h"
 #include "timetable/revealscroll.h"
@@ -25,45 +27,75 @@ class TestReadingAids : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // The ruler reads the axis as the boxes' texts do: a box at minute m shows m + offset.
+    // The ruler reads the axis as the boxes' texts do, on any day in any zone.
     void rulerMarksStandOverTheBoxesTimes_data()
     {
+        QTest::addColumn<QTimeZone>("timeZone");
+        QTest::addColumn<QString>("builtAt");
         QTest::addColumn<double>("left");
         QTest::addColumn<double>("right");
-        QTest::addColumn<qint64>("offset");
         QTest::addColumn<QStringList>("marks"); // "x label", a quarter without a label
+        const QString november = u"2026-11-22T12:00:00Z"_s;
+        const QTimeZone berlin("Europe/Berlin");
         QTest::newRow("UTC, from the next quarter, past the day's end")
-            << 14230.0 << 14400.0 << qint64(0) << QStringList{u"14250"_s, u"14400 00:00"_s};
-        QTest::newRow("UTC+1: the box at 20:20 reads 21:20, under the ruler's 21:00 + 20")
-            << 12000.0 << 12600.0 << qint64(60)
-            << QStringList{u"12000 21:00"_s, u"12150"_s, u"12300"_s, u"12450"_s, u"12600 22:00"_s};
-        QTest::newRow("UTC+5:30: hours at the half hour")
-            << 0.0 << 400.0 << qint64(330) << QStringList{u"0"_s, u"150"_s, u"300 06:00"_s};
+            << QTimeZone::utc() << november << 14230.0 << 14400.0
+            << QStringList{u"14250"_s, u"14400 00:00"_s};
+        QTest::newRow("UTC+2: local midnight reads 02:00")
+            << QTimeZone(7200) << november << 0.0 << 150.0 << QStringList{u"0 02:00"_s, u"150"_s};
+        QTest::newRow("UTC-5: local midnight reads 19:00")
+            << QTimeZone(-18000) << november << 0.0 << 150.0 << QStringList{u"0 19:00"_s, u"150"_s};
+        // Berlin's change days, with the offset of the moment the timetable was built.
+        QTest::newRow("spring, built before the change: no 02:00")
+            << berlin << u"2026-03-29T00:30:00Z"_s << 0.0 << 600.0
+            << QStringList{u"0 01:00"_s, u"150"_s, u"300"_s, u"450"_s, u"600 03:00"_s};
+        QTest::newRow("autumn: 02:00 twice")
+            << berlin << u"2026-10-25T12:00:00Z"_s << 600.0 << 1200.0
+            << QStringList{u"600 02:00"_s, u"750"_s, u"900"_s, u"1050"_s, u"1200 02:00"_s};
+        QTest::newRow("autumn: the 25-hour day's end, then the next local midnight")
+            << berlin << u"2026-10-25T12:00:00Z"_s << 14250.0 << 14400.0
+            << QStringList{u"14250"_s, u"14400 01:00"_s};
     }
 
     void rulerMarksStandOverTheBoxesTimes()
     {
+        QFETCH(QTimeZone, timeZone);
+        QFETCH(QString, builtAt);
         QFETCH(double, left);
         QFETCH(double, right);
-        QFETCH(qint64, offset);
+        const QDateTime built = QDateTime::fromString(builtAt, Qt::ISODate);
+        const QList<RulerMark> marks = rulerMarks(timeZone, built, 0);
         QStringList got;
-        for (const RulerMark &mark : rulerMarks(left, right, offset))
+        QList<Occurrence> days[2]; // under each hour mark a box of the day or of the next
+        for (const RulerMark &mark : marksBetween(marks, left, right)) {
             got.append(QString::number(mark.x) + (mark.hour ? u' ' + mark.label : QString()));
+            if (mark.hour)
+                days[mark.x >= 14400].append({got.last(), static_cast<int>(mark.x) / 10 % 1440, 1});
+        }
         QTEST(got, "marks");
-        QCOMPARE(pastVeil(1234.0, 80.0), QRectF(0, 0, 1234.0, 80.0));
+        // Each box stands under its mark and shows the mark's time.
+        const QDate day = built.toTimeZone(timeZone).date();
+        const auto section = [&](int d) {
+            return makeSection(u"C"_s, u"S"_s, ScheduleDay::of(day.addDays(d), timeZone).start(),
+                               days[d]);
+        };
+        for (const EventBoxGeometry &box :
+             TimetableLayout::build({section(0)}, timeZone, built,
+                                    [](const QString &) { return 17.0; }, {section(1)})
+                 .eventBoxes)
+            QCOMPARE(QString::number(box.rect.left()) + u' ' + box.startText, box.event().name);
     }
 
+    // The tooltip and what screen readers hear, from the box's numbers. (Whole hours: see the
+    // box details in tst_timelinewidget.)
     void boxesTellTheirTimes()
     {
-        // Whole hours alone: see the box details in tst_timelinewidget.
-        EventBoxGeometry box;
-        box.startText = u"21:20"_s;
-        const auto span = [&box](qint64 length) {
-            box.item = std::make_shared<SequenceItem>(std::make_shared<Event>(), length, 0.0);
-            return box.timeSpanText();
-        };
-        QCOMPARE(span(15), u"21:20\u201321:35, 15 min"_s);
-        QCOMPARE(span(190), u"21:20\u201300:30, 3 h 10 min"_s);
+        QCOMPARE(boxtexts::details(boxes.at(boxNamed(boxes, u"Market 10:00"_s))),
+                 u"Market\nHarbour\n10:00\u201310:30, 30 min"_s);
+        EventBoxGeometry watch = boxes.at(boxNamed(boxes, u"Watch 12:30"_s));
+        watch.tomorrow = true;
+        QCOMPARE(boxtexts::details(watch),
+                 u"Watch\nKeep\n12:30\u201300:00, 11 h 30 min, tomorrow"_s);
+        QCOMPARE(boxtexts::description(watch, true), u"12:30, Keep, tomorrow, reminder set"_s);
     }
 
     // Case and accents do not count; the walk goes by start and wraps at the ends.

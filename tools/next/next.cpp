@@ -1,6 +1,7 @@
 #include "next/next.h"
 
 #include "model/oneline.h"
+#include "model/shownstart.h"
 
 #include "cli/atoption.h"
 #include "version.h"
@@ -17,7 +18,6 @@ namespace eventtimer::next {
 
 namespace {
 
-constexpr int dayMinutes = 24 * 60;
 constexpr qint64 soonSeconds = 10 * 60;
 
 enum class Format
@@ -225,15 +225,14 @@ int writeFeed(const Options &options, QTextStream &out, const QDateTime &now, co
 
 QList<Upcoming> upcoming(const SuiteFile &suite, const QDateTime &now, const QTimeZone &zone)
 {
-    const QDateTime local = now.toTimeZone(zone);
-    const qint64 offsetMinutes = zone.offsetFromUtc(now) / 60;
+    // The suite's day, and the moment its timetable was built: the offset its boxes' times took.
+    const QDate day = suite.writtenAt.toTimeZone(zone).date();
+    const double midnight = static_cast<double>(day.startOfDay(zone).toSecsSinceEpoch());
     QList<Upcoming> events;
     for (qsizetype i = 0; i < suite.times.size(); ++i) {
-        // The box's minute on the axis, shown shifted by the present offset, as its time text.
-        const qint64 minute = (suite.times.at(i) / 60 + offsetMinutes) % dayMinutes;
-        const int shown = static_cast<int>((minute + dayMinutes) % dayMinutes);
-        const QTime start(shown / 60, shown % 60);
-        const QDateTime due(local.date(), start, zone);
+        const QTime start =
+            shownStart(midnight + static_cast<double>(suite.times.at(i)), zone, suite.writtenAt);
+        const QDateTime due(day, start, zone);
         if (due.secsTo(now) < 60)
             events.append({suite.sequence.at(i), suite.sections.at(i), suite.chatLinks.at(i), due,
                            start.toString(u"HH:mm")});

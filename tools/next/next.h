@@ -22,8 +22,9 @@ struct Upcoming
 };
 
 // The entries still to come today from now, in the order they fall due, the one that started
-// less than a minute ago first. The time axis is the UTC day and a box shows its minute shifted
-// by the zone's present offset; a local day meets each box once, at the time it shows.
+// less than a minute ago first. An entry starts its time after the local midnight of the day
+// the suite was written, and its box shows that start as shownStart does with the offset of the
+// moment it was written; a local day meets each box once, at the time it shows.
 QList<Upcoming> upcoming(const SuiteFile &suite, const QDateTime &now, const QTimeZone &zone);
 
 // eventtimer-next [--format plain|waybar|argos] [--count N] [--at DATETIME] [--strict] [--watch]

@@ -14,22 +14,22 @@ namespace {
 // Would run a command, harmless, if a shell ever read it.
 const QString hostile = u"[&x]'; echo injected; '"_s;
 
-// Dawn Raid at 00:00, Ember Wyrm at 21:00 and Tide <b> at 21:20 on the UTC axis, as the window
-// writes it at 06:00 UTC on the day given.
-QByteArray suite(int day = 22)
+// Dawn Raid at 00:00, Ember Wyrm at 21:00 and Tide <b> at 21:20 after the local midnight, as
+// the window writes it at the moment given.
+QByteArray suite(const QString &written = u"2026-11-22T06:00:00Z"_s)
 {
-    return suiteText(
-        {.times = {0, 75600, 76800},
-         .sequence = {u"Dawn Raid"_s, u"Ember Wyrm"_s, u"Tide <b>"_s},
-         .sections = {u"Peaks"_s, u"Peaks"_s, u"Peaks"_s},
-         .chatLinks = {u"[&A]"_s, hostile, u"[&C]"_s},
-         .axisDayStart = QDateTime(QDate(2026, 11, day), QTime(0, 0), QTimeZone::utc()),
-         .writtenAt = QDateTime(QDate(2026, 11, day), QTime(6, 0), QTimeZone::utc())});
+    const QDateTime at = QDateTime::fromString(written, Qt::ISODate);
+    return suiteText({.times = {0, 75600, 76800},
+                      .sequence = {u"Dawn Raid"_s, u"Ember Wyrm"_s, u"Tide <b>"_s},
+                      .sections = {u"Peaks"_s, u"Peaks"_s, u"Peaks"_s},
+                      .chatLinks = {u"[&A]"_s, hostile, u"[&C]"_s},
+                      .axisDayStart = at.toUTC().date().startOfDay(QTimeZone::utc()),
+                      .writtenAt = at});
 }
 
-// The real program, as a panel runs it, on 2026-11-22 at the local time given ("HH:mm[:ss]",
-// then the system's zone when it is not UTC), on the suite given (none when null). Its output
-// names the suite's folder ~.
+// The real program, as a panel runs it, on 2026-11-22 at the local time given ("HH:mm[:ss]", or
+// a date and time, then the system's zone when it is not UTC), on the suite given (none when
+// null). Its output names the suite's folder ~.
 std::pair<int, QString> next(const QString &arguments, const QString &at,
                              const QByteArray &suite = ::suite())
 {
@@ -43,9 +43,11 @@ std::pair<int, QString> next(const QString &arguments, const QString &at,
     qputenv("XDG_DATA_HOME", home.path().toUtf8());
     qputenv("TZ", time.size() > 1 ? time.at(1).toUtf8() : "UTC");
     QProcess process;
-    process.start(QStringLiteral(EVENTTIMER_NEXT_PROGRAM),
-                  arguments.split(u' ', Qt::SkipEmptyParts) +
-                      QStringList{u"--at"_s, u"2026-11-22T"_s + time.at(0)});
+    process.start(
+        QStringLiteral(EVENTTIMER_NEXT_PROGRAM),
+        arguments.split(u' ', Qt::SkipEmptyParts) +
+            QStringList{u"--at"_s,
+                        (time.at(0).contains(u'T') ? u""_s : u"2026-11-22T"_s) + time.at(0)});
     process.waitForFinished(30000);
     return {process.exitCode(),
             QString::fromUtf8(process.readAllStandardOutput()).replace(home.path(), u"~"_s)};
@@ -80,12 +82,21 @@ private Q_SLOTS:
             u"21:00:59"_s,
             u"{\"class\":\"running\",\"text\":\"Ember Wyrm 21:00 (now)\",\"tooltip\":\"21:00  Ember Wyrm — Peaks  [&amp;x]&#39;; echo injected; &#39;\\n21:20  Tide &lt;b&gt; — Peaks  [&amp;C]\"}"_s,
             u"--format waybar --count 2"_s};
+        // On Berlin's spring change day, written before the change: the times the boxes show,
+        // with the offset of that moment, also after the change.
+        QTest::newRow("change day, written before the change") << Run{
+            u"2026-03-29T00:30 Europe/Berlin"_s,
+            u"{\"class\":\"later\",\"text\":\"Dawn Raid 01:00 (in 30 min)\",\"tooltip\":\"01:00  Dawn Raid — Peaks  [&amp;A]\\n23:00  Ember Wyrm — Peaks  [&amp;x]&#39;; echo injected; &#39;\"}"_s,
+            u"--format waybar --count 2"_s, 0, suite(u"2026-03-29T00:10:00+01:00"_s)};
+        QTest::newRow("change day, seen after the change")
+            << Run{u"2026-03-29T03:00 Europe/Berlin"_s, u"Ember Wyrm 23:00 (in 20 h 0 min)"_s,
+                   QString(), 0, suite(u"2026-03-29T00:10:00+01:00"_s)};
         QTest::newRow("nothing left today")
             << Run{u"21:30"_s, u"eventtimer: no more events today"_s};
         QTest::newRow("a suite of another day, waybar: --strict is for plain") << Run{
             u"09:00"_s,
             u"{\"class\":\"none\",\"text\":\"eventtimer: no timetable for today\",\"tooltip\":\"eventtimer: no timetable for today\"}"_s,
-            u"--format waybar --strict"_s, 0, suite(21)};
+            u"--format waybar --strict"_s, 0, suite(u"2026-11-21T06:00:00Z"_s)};
         QTest::newRow("no suite") << Run{u"09:00"_s,
                                          u"eventtimer: no timetable yet (start Event Timer once)"_s,
                                          QString(), 0, QByteArray()};
