@@ -89,7 +89,11 @@ void TimetableWindow::addKeys()
     add(u"Reload"_s, {QKeySequence::Refresh}, [this] { Q_EMIT reloadRequested(); });
     add(u"Quit"_s, {QKeySequence::Quit}, [] { QCoreApplication::quit(); });
     add(u"Close"_s, {QKeySequence::Close}, [this] { close(); });
-    add(u"Preferences"_s, {QKeySequence::Preferences}, [this] { Q_EMIT preferencesRequested(); });
+    // Ctrl+, on every desktop: Qt binds the standard Preferences key on some platforms only.
+    QList<QKeySequence> preferences = QKeySequence::keyBindings(QKeySequence::Preferences);
+    if (!preferences.contains(QKeySequence(Qt::CTRL | Qt::Key_Comma)))
+        preferences.append(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    add(u"Preferences"_s, preferences, [this] { Q_EMIT preferencesRequested(); });
     add(u"Full screen"_s, {QKeySequence(Qt::Key_F11)},
         [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
 }

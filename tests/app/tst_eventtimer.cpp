@@ -167,6 +167,9 @@ private Q_SLOTS:
             QTRY_VERIFY(&program.controller() != first && program.controller().isBuilt());
             QVERIFY(program.controller().view()->isVisible());
             QVERIFY(!program.window().statusLine()->isVisible());
+            // Ctrl+, on every desktop.
+            QTest::keyClick(&program.window(), Qt::Key_Comma, Qt::ControlModifier);
+            QTRY_VERIFY(program.window().findChild<PreferencesDialog *>()->isVisible());
 
             m_service.setBehaviour(m_document, {.delayMs = 5000});
             program.reload();
