@@ -27,23 +27,6 @@ QByteArray document(const char *event)
            R"(", "chatlink": "[&L]"}}, "sequences": {"partial": [], "pattern": [{"d": 60, "r": 0}]}}])";
 }
 
-enum class Occasion
-{
-    Start,
-    Reload,
-    DayChange
-};
-
-// What the event service and the cache folder hold when the occasion comes.
-enum class Condition
-{
-    Ok,
-    FailsWithFreshCopy,
-    FailsWithExpiredCopy,
-    FailsWithNoCopy,
-    NoSections
-};
-
 // "A 22": the event the timetable shows and the day of the month it is for; "empty".
 QString dayText(const QString &event, QDate day)
 {
@@ -63,44 +46,19 @@ private:
     LocalEventService m_service;
     const QString m_document = LocalEventService::documentPath.toString();
 
-    void writeCopy(const QByteArray &bytes, const QDateTime &downloaded)
+    // What the cache holds (a copy of A downloaded that many days ago; none below 0) and what
+    // the service answers ("B": a document of B, "[]", or an HTTP status).
+    void prepare(int copyAge, const QByteArray &answer, const QDateTime &now)
     {
         CacheFolder cache(CacheFolder::standardPath(), m_errors);
-        QVERIFY(cache.write(EventDataSource::documentFile.toString(), bytes));
-        QVERIFY(cache.write(EventDataSource::dateFile.toString(),
-                            downloaded.toUTC().toString(Qt::ISODateWithMs).toLatin1()));
-    }
-
-    // What the service and the cache hold from now on.
-    void prepare(Condition condition, const QDateTime &now, bool started)
-    {
-        const QByteArray copy = document("A");
-        const QDateTime expired = now.addDays(-8);
-        m_service.setBehaviour(m_document, {});
-        m_service.setDocument(started ? document("B") : copy);
-        switch (condition) {
-        case Condition::Ok:
-            if (started)
-                writeCopy(copy, expired);
-            break;
-        case Condition::FailsWithFreshCopy:
-            writeCopy(copy, now);
-            m_service.setBehaviour(m_document, {.status = 500});
-            break;
-        case Condition::FailsWithExpiredCopy:
-            writeCopy(copy, expired);
-            m_service.setBehaviour(m_document, {.status = 500});
-            break;
-        case Condition::FailsWithNoCopy:
-            QDir(CacheFolder::standardPath()).removeRecursively();
-            m_service.setBehaviour(m_document, {.status = 500});
-            break;
-        case Condition::NoSections:
-            m_service.setDocument("[]");
-            if (started)
-                writeCopy(copy, expired);
-            break;
-        }
+        QDir(cache.path()).removeRecursively();
+        if (copyAge >= 0)
+            QVERIFY(cache.write(EventDataSource::documentFile.toString(), document("A")) &&
+                    cache.write(EventDataSource::dateFile.toString(),
+                                now.addDays(-copyAge).toString(Qt::ISODateWithMs).toLatin1()));
+        const int status = answer.toInt();
+        m_service.setDocument(answer == "[]" ? answer : document(answer.constData()));
+        m_service.setBehaviour(m_document, {.status = status ? status : 200});
     }
 
     // "A 22" for the suite's first event and its day; "" when there is no suite.
@@ -140,86 +98,79 @@ private Q_SLOTS:
             .setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
     }
 
-    void init()
-    {
-        QDir(CacheFolder::standardPath()).removeRecursively();
-        QFile::remove(suitekeys::suitePath());
-    }
+    void init() { QFile::remove(suitekeys::suitePath()); }
 
     void keepsWhatItShows_data()
     {
-        QTest::addColumn<Occasion>("occasion");
-        QTest::addColumn<Condition>("condition");
+        QTest::addColumn<QString>("occasion");
+        QTest::addColumn<int>("copyAge");
+        QTest::addColumn<QByteArray>("answer");
         QTest::addColumn<QString>("shows");
-        // The suite afterwards; empty when the occasion left it as it was.
-        QTest::addColumn<QString>("suite");
+        QTest::addColumn<QString>("suite");  // afterwards; empty when left as it was
         QTest::addColumn<QString>("status"); // a pattern
-
-        const auto rows = [](const char *occasionName, Occasion occasion,
-                             const QList<std::tuple<Condition, QString, QString, QString>> &rows) {
-            static const char *names[] = {"download ok", "fails, fresh copy", "fails, expired copy",
-                                          "fails, no copy", "no sections"};
-            for (const auto &[condition, shows, suite, status] : rows)
-                QTest::addRow("%s, %s", occasionName, names[static_cast<int>(condition)])
-                    << occasion << condition << shows << suite << status;
+        const auto row = [](const QString &occasion, const char *condition, int copyAge,
+                            const QByteArray &answer, const QString &shows, const QString &suite,
+                            const QString &status = u"^$"_s) {
+            QTest::addRow("%s, %s", qPrintable(occasion), condition)
+                << occasion << copyAge << answer << shows << suite << status;
         };
         const auto kept = [](const QString &since, const QString &reason, const QString &shown) {
             return u"^Not updated since "_s + since + u": "_s + reason +
                    u" \\(http://127\\.0\\.0\\.1:\\d+/api/events/sequence\\)\\. "_s + shown +
                    u"F5 tries again\\.$"_s;
         };
-        const QString failed = u"HTTP 500"_s;
-        const QString nothing = u"the event document holds no sections"_s;
+        const QString failed = u"HTTP 500"_s, nothing = u"the event document holds no sections"_s;
         // The start shows what it gets, an empty timetable included, and publishes it.
-        rows("start", Occasion::Start,
-             {{Condition::Ok, u"A 22"_s, u"A 22"_s, u"^$"_s},
-              {Condition::FailsWithFreshCopy, u"A 22"_s, u"A 22"_s, u"^$"_s},
-              {Condition::FailsWithExpiredCopy, u"empty 22"_s, u"empty 22"_s, u"^$"_s},
-              {Condition::FailsWithNoCopy, u"empty 22"_s, u"empty 22"_s, u"^$"_s},
-              {Condition::NoSections, u"empty 22"_s, u"empty 22"_s, u"^$"_s}});
+        for (const auto &[condition, age, answer, shows] :
+             {std::tuple{"download ok", -1, "A", "A 22"},
+              {"fails, fresh copy", 0, "500", "A 22"},
+              {"fails, expired copy", 8, "500", "empty 22"},
+              {"fails, no copy", -1, "500", "empty 22"},
+              {"no sections", -1, "[]", "empty 22"}})
+            row(u"start"_s, condition, age, answer, QString::fromLatin1(shows),
+                QString::fromLatin1(shows));
         // F5 downloads whatever the copy's age; when that fails, everything stays.
-        rows("reload", Occasion::Reload,
-             {{Condition::Ok, u"B 22"_s, u"B 22"_s, u"^$"_s},
-              {Condition::FailsWithFreshCopy, u"A 22"_s, QString(),
-               kept(u"23:59"_s, failed, QString())},
-              {Condition::FailsWithExpiredCopy, u"A 22"_s, QString(),
-               kept(u"23:59"_s, failed, QString())},
-              {Condition::FailsWithNoCopy, u"A 22"_s, QString(),
-               kept(u"23:59"_s, failed, QString())},
-              {Condition::NoSections, u"A 22"_s, QString(), kept(u"23:59"_s, nothing, QString())}});
+        row(u"reload"_s, "download ok", 0, "B", u"B 22"_s, u"B 22"_s);
+        for (const auto &[condition, age] : {std::pair{"fails, fresh copy", 0},
+                                             {"fails, expired copy", 8},
+                                             {"fails, no copy", -1}})
+            row(u"reload"_s, condition, age, "500", u"A 22"_s, {}, kept(u"23:59"_s, failed, {}));
+        row(u"reload"_s, "no sections", 0, "[]", u"A 22"_s, {}, kept(u"23:59"_s, nothing, {}));
         // The new day from the copy however old, else the old day stays with its suite.
         const QString oldDay = u"The timetable shown is for Sun 22 Nov; "_s;
-        rows("day change", Occasion::DayChange,
-             {{Condition::Ok, u"B 23"_s, u"B 23"_s, u"^$"_s},
-              {Condition::FailsWithFreshCopy, u"A 23"_s, u"A 23"_s, u"^$"_s},
-              {Condition::FailsWithExpiredCopy, u"A 23"_s, u"A 23"_s,
-               kept(u"00:00"_s, failed,
-                    u"This timetable comes from the copy downloaded on Sat 14 Nov; "_s)},
-              {Condition::FailsWithNoCopy, u"A 22"_s, QString(), kept(u"00:00"_s, failed, oldDay)},
-              {Condition::NoSections, u"A 22"_s, QString(), kept(u"00:00"_s, nothing, oldDay)}});
+        row(u"day change"_s, "download ok", 8, "B", u"B 23"_s, u"B 23"_s);
+        row(u"day change"_s, "fails, fresh copy", 0, "500", u"A 23"_s, u"A 23"_s);
+        row(u"day change"_s, "fails, expired copy", 8, "500", u"A 23"_s, u"A 23"_s,
+            kept(u"00:00"_s, failed,
+                 u"This timetable comes from the copy downloaded on Sat 14 Nov; "_s));
+        row(u"day change"_s, "fails, no copy", -1, "500", u"A 22"_s, {},
+            kept(u"00:00"_s, failed, oldDay));
+        row(u"day change"_s, "no sections", 8, "[]", u"A 22"_s, {},
+            kept(u"00:00"_s, nothing, oldDay));
     }
 
     void keepsWhatItShows()
     {
-        QFETCH(Occasion, occasion);
-        QFETCH(Condition, condition);
+        QFETCH(QString, occasion);
+        QFETCH(int, copyAge);
+        QFETCH(QByteArray, answer);
         QFETCH(QString, shows);
         QFETCH(QString, suite);
         QFETCH(QString, status);
         ManualClock clock(QDateTime(QDate(2026, 11, 22), QTime(23, 59), QTimeZone::utc()),
                           QTimeZone::utc());
         EventTimer program(clock, m_output, m_errors);
-        if (occasion != Occasion::Start) {
-            prepare(Condition::Ok, clock.now(), false);
+        if (occasion != u"start"_s) {
+            prepare(-1, "A", clock.now());
             program.show();
             QTRY_COMPARE(shown(program), u"A 22"_s);
             QCOMPARE(published(), u"A 22"_s);
             QFile::remove(suitekeys::suitePath());
         }
-        prepare(condition, clock.now(), occasion != Occasion::Start);
-        if (occasion == Occasion::Start)
+        prepare(copyAge, answer, clock.now());
+        if (occasion == u"start"_s)
             program.show();
-        else if (occasion == Occasion::Reload)
+        else if (occasion == u"reload"_s)
             QTest::keyClick(&program.window(), Qt::Key_F5);
         else
             clock.advance(1min);
@@ -255,7 +206,7 @@ private Q_SLOTS:
     {
         QFETCH(QDateTime, start);
         QFETCH(QDate, next);
-        prepare(Condition::Ok, start, false);
+        prepare(-1, "A", start);
         ManualClock clock(start, start.timeZone());
         EventTimer program(clock, m_output, m_errors);
         program.reminders().setBus(QDBusConnection(u"none"_s));
