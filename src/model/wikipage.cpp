@@ -4,14 +4,18 @@ using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
-std::optional<QUrl> wikiPageUrl(const QString &urlTemplate, const QString &page)
+std::optional<QUrl> wikiPageUrl(const QString &urlTemplate, const QString &link)
 {
     const QString placeholder = u"{page}"_s;
-    if (page.trimmed().isEmpty() || !urlTemplate.contains(placeholder))
-        return std::nullopt;
-    // Every character that means something in an address is encoded: the name stays one piece.
-    QString address = urlTemplate;
-    address.replace(placeholder, QString::fromLatin1(QUrl::toPercentEncoding(page)));
+    QString address = link.trimmed();
+    if (!address.startsWith(u"https://"_s, Qt::CaseInsensitive)) {
+        if (address.isEmpty() || !urlTemplate.contains(placeholder))
+            return std::nullopt;
+        // Every character that means something in an address is encoded: the name stays one
+        // piece.
+        address = urlTemplate;
+        address.replace(placeholder, QString::fromLatin1(QUrl::toPercentEncoding(link)));
+    }
     const QUrl url(address, QUrl::StrictMode);
     if (!url.isValid() || url.scheme() != u"https"_s || url.host().isEmpty())
         return std::nullopt;

@@ -23,6 +23,11 @@ void BoxMenu::setReminderChoices(ReminderChoices *choices)
     m_choices = choices;
 }
 
+void BoxMenu::setViewActions(const QList<QAction *> &actions)
+{
+    m_viewActions = QList<QPointer<QAction>>(actions.cbegin(), actions.cend());
+}
+
 void BoxMenu::attach(TimelineWidget *timeline, QWidget *parent)
 {
     m_timeline = timeline;
@@ -44,13 +49,15 @@ QMenu *BoxMenu::menuFor(qsizetype box)
     copyLink->setEnabled(event->chatLink.has_value());
     menu->addAction(u"Copy name"_s, this,
                     [event] { QGuiApplication::clipboard()->setText(event->name); });
-    if (!m_wikiPageUrl.isEmpty()) {
-        const std::optional<QUrl> page = wikiPageUrl(m_wikiPageUrl, event->wiki);
-        QAction *open = menu->addAction(u"Open wiki page"_s, this, [page] {
-            if (page)
-                QDesktopServices::openUrl(*page);
-        });
-        open->setEnabled(page.has_value());
+    const std::optional<QUrl> page = wikiPageUrl(m_wikiPageUrl, event->wiki);
+    QAction *open = menu->addAction(u"Open wiki page"_s, this, [page] {
+        if (page)
+            QDesktopServices::openUrl(*page);
+    });
+    open->setEnabled(page.has_value());
+    if (!page && m_wikiPageUrl.isEmpty()) {
+        menu->setToolTipsVisible(true);
+        open->setToolTip(u"Set wiki_page_url in the settings file to open wiki pages"_s);
     }
     if (m_choices) {
         menu->addSeparator();
@@ -63,6 +70,11 @@ QMenu *BoxMenu::menuFor(qsizetype box)
         menu->addAction(u"Reminder preferences\u2026"_s, this,
                         [this] { Q_EMIT preferencesRequested(); });
     }
+    if (!m_viewActions.isEmpty())
+        menu->addSeparator();
+    for (QAction *action : std::as_const(m_viewActions))
+        if (action)
+            menu->addAction(action);
     return menu;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QAction>
+#include <QList>
 #include <QMenu>
 #include <QObject>
 #include <QPointer>
@@ -11,7 +13,8 @@ class ReminderChoices;
 class TimelineWidget;
 
 // The menu of an event's box: copy its chat link or its name, open its wiki page, set or
-// remove its event's reminder, the reminder preferences.
+// remove its event's reminder, the reminder preferences; then what the window offers for the
+// whole view (following the present).
 class BoxMenu : public QObject
 {
     Q_OBJECT
@@ -24,8 +27,12 @@ public:
 
     // The player's reminder marks; without them the menu has no reminder items.
     void setReminderChoices(ReminderChoices *choices);
-    // The settings' wiki address template ("https://…/{page}"); without it, no wiki item.
+    // The settings' wiki address template ("https://…/{page}"). An event whose wiki link is a
+    // whole https address opens it as it is; others need the template, and without it the item
+    // is there but disabled, saying which setting enables it.
     void setWikiPageUrl(const QString &urlTemplate) { m_wikiPageUrl = urlTemplate; }
+    // The window's actions for the whole view, at the end of every box's menu.
+    void setViewActions(const QList<QAction *> &actions);
 
     // The timeline whose boxes have the menu (a right click, the menu key), and the widget its
     // menus belong to.
@@ -39,6 +46,7 @@ private:
     QPointer<QWidget> m_parent;
     QPointer<ReminderChoices> m_choices;
     QString m_wikiPageUrl;
+    QList<QPointer<QAction>> m_viewActions;
 };
 
 } // namespace eventtimer

@@ -75,8 +75,9 @@ void FindController::show()
         m_current ? std::optional(m_matches.at(*m_current)) : std::nullopt;
     m_timeline->setFindState(finding ? std::optional(m_matches) : std::nullopt, box);
     m_findBar->showCount(m_current.value_or(0), m_matches.size());
+    // The found box is the current one: the keys act on it once find is closed.
     if (box)
-        Q_EMIT revealRequested(*box);
+        m_timeline->setCurrentBox(*box);
 }
 
 void FindController::close()
@@ -84,12 +85,15 @@ void FindController::close()
     if (!m_findBar || !m_findBar->isVisible())
         return;
     m_findBar->hide();
+    const bool found = m_current.has_value();
     m_matches.clear();
     m_current.reset();
     m_timeline->setFindState(std::nullopt, std::nullopt);
-    // The keyboard goes back to the axis, which may bring its ring into view; then the view is
-    // put back as it was.
+    // The keyboard goes back to the axis, on the box found; without one, the view is put back
+    // as it was.
     m_timeline->setFocus(Qt::OtherFocusReason);
+    if (found)
+        m_scrollBeforeFind.reset();
     if (m_scrollBeforeFind) {
         m_sideways->horizontalScrollBar()->setValue(m_scrollBeforeFind->x());
         m_upright->verticalScrollBar()->setValue(m_scrollBeforeFind->y());

@@ -16,15 +16,12 @@ namespace eventtimer {
 class TimelineWidget;
 
 // Find (Ctrl+F) over a timetable: the find bar at the top of the view; as it is typed in, the
-// matching boxes stay clear and the first from the marker on is shown; F3 and Enter go on,
-// Shift+F3 back; Escape closes it and puts the view back as it was.
+// matching boxes stay clear and the first from the marker on is shown and made the current
+// box; F3 and Enter go on, Shift+F3 back; Escape closes it and leaves the keyboard on the box
+// found (without one, the view goes back as it was).
 class FindController : public QObject
 {
     Q_OBJECT
-
-Q_SIGNALS:
-    // The current match is to be brought into view.
-    void revealRequested(qsizetype box);
 
 public:
     // The keys work inside view, whose layout (a QVBoxLayout) takes the find bar at its top;

@@ -20,18 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
-namespace {
-
-QLabel *plainLabel(const QString &text, QWidget *parent)
-{
-    auto *label = new QLabel(parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setText(text);
-    return label;
-}
-
-} // namespace
-
 ViewController::ViewController(Clock &clock, QObject *parent)
     : QObject(parent)
     , m_clock(clock)
@@ -103,11 +91,16 @@ void ViewController::loadView()
     m_verticalScroll->setWidget(m_verticalScrollContent);
 
     // While loading, and when nothing could be loaded: a message in the middle of the window.
-    m_emptyMessage = plainLabel(u"No events could be loaded."_s, m_view);
+    const auto plainLabel = [this](const QString &text) {
+        auto *label = new QLabel(text, m_view);
+        label->setTextFormat(Qt::PlainText);
+        return label;
+    };
+    m_emptyMessage = plainLabel(u"No events could be loaded."_s);
     m_emptyMessage->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
     m_emptyMessage->hide();
     layout->addWidget(m_emptyMessage, 1);
-    m_statusMessage = plainLabel(QString(), m_view);
+    m_statusMessage = plainLabel(QString());
     m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_statusMessage->setWordWrap(true);
     m_statusMessage->setForegroundRole(QPalette::PlaceholderText);
@@ -164,6 +157,10 @@ void ViewController::buildTimetable()
     sizeContents();
     Q_EMIT timetableBuilt();
     updateCurrentTime();
+    if (!m_followsPresent)
+        scrollToPresent(); // the first sight of the day is the present
+    // The keys act at once, on the box at the marker.
+    m_horizontalScrollContent->setFocus(Qt::OtherFocusReason);
 }
 
 void ViewController::setUpClipboardMessage()
@@ -218,15 +215,12 @@ void ViewController::buildTimeline()
             QLocale::c().toString(m_geometry.followingDate, u"ddd d MMM"));
     connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
             &ViewController::copyToClipboardWithSender);
-    auto *reveal =
-        new BoxReveal(m_horizontalScrollContent, m_horizontalScroll, m_verticalScroll, this);
+    new BoxReveal(m_horizontalScrollContent, m_horizontalScroll, m_verticalScroll, this);
     m_boxMenu->attach(m_horizontalScrollContent, m_view);
     m_marks->setTimeline(m_horizontalScrollContent);
-    if (!m_sections.isEmpty()) {
+    if (!m_sections.isEmpty())
         m_find = new FindController(m_view, m_horizontalScrollContent, m_horizontalScroll,
                                     m_verticalScroll, this);
-        connect(m_find, &FindController::revealRequested, reveal, &BoxReveal::reveal);
-    }
 }
 
 void ViewController::sizeContents()
@@ -265,15 +259,16 @@ void ViewController::updateCurrentTime()
     }
     m_timeLabel->setText(timebase::clockText(now, m_clock.zone()));
     m_timeLabel->adjustSize();
-    if (m_horizontalScroll) {
-        const double target = timebase::scrollTarget(x, m_horizontalScroll->width());
-        m_horizontalScroll->horizontalScrollBar()->setValue(static_cast<int>(std::floor(target)));
-    }
+    if (m_followsPresent)
+        scrollToPresent();
 }
 
-void ViewController::timeUpdate()
+void ViewController::scrollToPresent()
 {
-    updateCurrentTime();
+    if (!m_horizontalScroll || !m_timeConstraint)
+        return;
+    const double target = timebase::scrollTarget(*m_timeConstraint, m_horizontalScroll->width());
+    m_horizontalScroll->horizontalScrollBar()->setValue(static_cast<int>(std::floor(target)));
 }
 
 void ViewController::copyToClipboardWithSender(qsizetype pressedBox)

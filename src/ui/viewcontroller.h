@@ -66,9 +66,17 @@ public:
     void viewDidAppear();
 
     void buildTimetable();
+    // Places the marker and sets the clock; and, while the view follows the present, scrolls
+    // the axis so that the marker stands a sixth of its width from the left.
     void updateCurrentTime();
     // What the 60-second timer calls.
-    void timeUpdate();
+    void timeUpdate() { updateCurrentTime(); }
+    // Whether every minute brings the axis back to the present (the default); without, the
+    // minute moves only the marker and the clock, and the axis stays where the player put it.
+    void setFollowsPresent(bool follows) { m_followsPresent = follows; }
+    bool followsPresent() const { return m_followsPresent; }
+    // The axis back at the present, as the minute brings it.
+    void scrollToPresent();
 
     // The slot of a box's copy button (the timeline's copyRequested), its sender the box whose
     // button was pressed: its event's chat link becomes the clipboard's only content, as plain
@@ -88,6 +96,8 @@ public:
     // The settings' wiki address template ("https://…/{page}"): the box menu then opens an
     // event's wiki page.
     void setWikiPageUrl(const QString &urlTemplate) { m_boxMenu->setWikiPageUrl(urlTemplate); }
+    // The window's actions for the whole view, offered in every box's menu too.
+    void setViewActions(const QList<QAction *> &actions) { m_boxMenu->setViewActions(actions); }
 
     // Find's bar (Ctrl+F, see FindController), absent until find is first opened over a
     // timetable.
@@ -150,6 +160,7 @@ private:
     bool m_loaded = false;
     bool m_appeared = false;
     bool m_built = false;
+    bool m_followsPresent = true;
 };
 
 } // namespace eventtimer

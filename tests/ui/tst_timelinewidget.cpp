@@ -274,35 +274,36 @@ private Q_SLOTS:
         QVERIFY2(message->isHidden(), "the third copy postponed the second one's hide");
     }
 
-    // The ring enters by Tab from the timetable's area (the day's area is no stop of its own),
-    // at the marker in the first row in view, without scrolling; the keys bring it into view.
+    // From the start the keyboard is on the box at the marker in the first row in view, so the
+    // keys act at once; the ring enters there again by Tab from the timetable's area (the day's
+    // area is no stop of its own) without scrolling; the keys bring it into view.
     void keysMoveTheRingIntoView_data()
     {
-        QTest::addColumn<bool>("scrolledDown");
+        QTest::addColumn<bool>("tab");
         QTest::addColumn<QList<int>>("keys");
         QTest::addColumn<QString>("box");
-        QTest::newRow("entering at the top") << false << QList<int>() << u"Market 10:00"_s;
-        QTest::newRow("entering at the bottom") << true << QList<int>() << u"Watch 00:30"_s;
+        QTest::newRow("at once") << false << QList<int>() << u"Market 10:00"_s;
+        QTest::newRow("by Tab") << true << QList<int>() << u"Market 10:00"_s;
         QTest::newRow("end of the day")
             << false << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_End} << u"Watch 12:30"_s;
         QTest::newRow("back to the top")
-            << false << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Home, Qt::Key_Up, Qt::Key_Up}
+            << true << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Home, Qt::Key_Up, Qt::Key_Up}
             << u"Tide 09:00"_s;
     }
 
     void keysMoveTheRingIntoView()
     {
-        QFETCH(bool, scrolledDown);
+        QFETCH(bool, tab);
         QFETCH(QList<int>, keys);
         // Less than two rows high, and a fraction of the day wide.
         SmallTimetable window(QSize(700, 200));
         QVERIFY(window.exposed());
-        if (scrolledDown)
-            window.upright()->setValue(window.upright()->maximum());
         const QPoint before(window.sideways()->value(), window.upright()->value());
         QScrollArea *timetable = window.controller().verticalScroll();
-        timetable->setFocus(Qt::OtherFocusReason);
-        QTest::keyClick(timetable, Qt::Key_Tab);
+        if (tab) {
+            timetable->setFocus(Qt::OtherFocusReason);
+            QTest::keyClick(timetable, Qt::Key_Tab);
+        }
         TimelineWidget &timeline = window.timeline();
         QVERIFY(timeline.hasFocus());
         for (const int key : keys)
@@ -322,6 +323,7 @@ private Q_SLOTS:
         SmallTimetable window;
         QVERIFY(window.exposed());
         TimelineWidget &timeline = window.timeline();
+        window.controller().verticalScroll()->setFocus(Qt::OtherFocusReason);
         // Painted once before, so that the boxes come from their cached pictures afterwards.
         const QImage tide = window.picture(u"Tide 09:00"_s);
         const QImage market = window.picture(u"Market 10:00"_s);
@@ -402,7 +404,6 @@ private Q_SLOTS:
                      window.timeline().mapTo(view, QPoint(6000, 0)).x());
         }
 
-        const int before = day->value();
         view->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(view));
         QTest::keyClick(view, Qt::Key_F, Qt::ControlModifier);
@@ -415,9 +416,14 @@ private Q_SLOTS:
         QCOMPARE_LT(day->value(), 100);
         QTest::keyClick(field, Qt::Key_F3, Qt::ShiftModifier);
         QCOMPARE(controller.findBar()->count()->text(), u"2 of 2"_s);
+        // Escape leaves the keyboard on the box found, in view.
         QTest::keyClick(field, Qt::Key_Escape);
         QVERIFY(!controller.findBar()->isVisible());
-        QCOMPARE(day->value(), before);
+        QVERIFY(window.timeline().hasFocus());
+        QCOMPARE(window.current(), u"Siege 12:00"_s);
+        QCOMPARE_LE(day->value(), 7200);
+        QCOMPARE_GT(day->value() + window.controller().horizontalScroll()->viewport()->width(),
+                    7200);
         // Whole hours alone.
         QCOMPARE(window.timeline().boxDetails(window.box(u"Tide 09:00"_s)),
                  u"Tide\nHarbour\n09:00\u201310:00, 1 h\n[&BAAAAA=]"_s);
