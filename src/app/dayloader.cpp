@@ -46,6 +46,7 @@ void DayLoader::start()
     // The window shows its loading until the first day is in.
     m_controller = makeController();
     m_parts.window.showTimetable(m_controller->view());
+    followSettings();
     load(Occasion::Start);
 }
 
@@ -56,9 +57,13 @@ void DayLoader::reload()
 
 void DayLoader::followSettings()
 {
-    if (m_controller)
-        m_controller->setWikiPageUrl(
-            m_parts.settings.value(settingskeys::wikiPageUrl).toString().trimmed());
+    if (!m_controller)
+        return;
+    m_controller->setWikiPageUrl(
+        m_parts.settings.value(settingskeys::wikiPageUrl).toString().trimmed());
+    const bool follows = m_parts.settings.value(settingskeys::followPresent, true).toBool();
+    m_controller->setFollowsPresent(follows);
+    m_parts.window.setFollowsPresent(follows);
 }
 
 void DayLoader::load(Occasion occasion)
@@ -220,6 +225,8 @@ std::unique_ptr<ViewController> DayLoader::makeController()
     view->viewDidLoad();
     view->setReminderChoices(&m_parts.reminders.choices());
     view->setWikiPageUrl(m_parts.settings.value(settingskeys::wikiPageUrl).toString().trimmed());
+    view->setFollowsPresent(m_parts.settings.value(settingskeys::followPresent, true).toBool());
+    view->setViewActions(m_parts.window.viewActions());
     connect(view, &ViewController::preferencesRequested, &m_parts.window,
             &TimetableWindow::preferencesRequested);
     // The timetable is built when its view first shows, as it is on the screen.

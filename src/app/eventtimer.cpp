@@ -34,6 +34,15 @@ EventTimer::EventTimer(Clock &clock, QTextStream &out, QTextStream &err, QObject
     connect(&m_settings, &SettingsStore::problemChanged, this, showSettingsProblem);
     showSettingsProblem(m_settings.problem());
     connect(&m_window, &TimetableWindow::preferencesRequested, this, &EventTimer::showPreferences);
+    connect(&m_window, &TimetableWindow::followPresentToggled, this, [this](bool follows) {
+        // Remembered in the settings file, which the timetable follows.
+        m_settings.write({{settingskeys::followPresent, follows}});
+        m_days->followSettings();
+        if (follows)
+            controller().scrollToPresent();
+    });
+    connect(&m_window, &TimetableWindow::presentRequested, this,
+            [this] { controller().scrollToPresent(); });
     connect(&m_tray, &Tray::reloadRequested, this, &EventTimer::reload);
     connect(&m_tray, &Tray::preferencesRequested, this, &EventTimer::showPreferences);
     connect(&m_tray, &Tray::startAtLoginRequested, this, &EventTimer::setStartAtLogin);

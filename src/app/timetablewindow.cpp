@@ -85,6 +85,7 @@ void TimetableWindow::addKeys()
         action->setShortcutContext(Qt::WindowShortcut);
         connect(action, &QAction::triggered, this, slot);
         addAction(action);
+        return action;
     };
     add(u"Reload"_s, {QKeySequence::Refresh}, [this] { Q_EMIT reloadRequested(); });
     add(u"Quit"_s, {QKeySequence::Quit}, [] { QCoreApplication::quit(); });
@@ -96,6 +97,13 @@ void TimetableWindow::addKeys()
     add(u"Preferences"_s, preferences, [this] { Q_EMIT preferencesRequested(); });
     add(u"Full screen"_s, {QKeySequence(Qt::Key_F11)},
         [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
+    // Reading ahead: the minute need not bring the axis back to the present.
+    m_follow = add(u"Follow the present"_s, {QKeySequence(Qt::Key_F)},
+                   [this](bool follows) { Q_EMIT followPresentToggled(follows); });
+    m_follow->setCheckable(true);
+    m_follow->setChecked(true);
+    m_present = add(u"Go to the present"_s, {QKeySequence(Qt::Key_P)},
+                    [this] { Q_EMIT presentRequested(); });
 }
 
 void TimetableWindow::restorePlace()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QAction>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPointer>
@@ -44,6 +45,11 @@ public:
         return topic == Topic::Day ? m_status : m_settingsStatus;
     }
 
+    // The window's actions for the whole view (follow the present, go to the present), for the
+    // menus that offer them too.
+    QList<QAction *> viewActions() const { return {m_follow, m_present}; }
+    void setFollowsPresent(bool follows) { m_follow->setChecked(follows); }
+
     // Asked when the window is closed: true keeps the program running with the window hidden.
     void setHideOnClose(std::function<bool()> hideOnClose)
     {
@@ -53,6 +59,9 @@ public:
 Q_SIGNALS:
     void reloadRequested();
     void preferencesRequested();
+    // F: every minute brings the axis back to the present, or not; P: back to it now.
+    void followPresentToggled(bool follows);
+    void presentRequested();
     // Closed, and hidden instead of ending the program.
     void hiddenOnClose();
 
@@ -68,6 +77,8 @@ private:
     QStackedWidget *m_stack = nullptr;
     QLabel *m_status = nullptr;
     QLabel *m_settingsStatus = nullptr;
+    QAction *m_follow = nullptr;
+    QAction *m_present = nullptr;
     std::function<bool()> m_hideOnClose;
 };
 

@@ -71,9 +71,9 @@ void SettingsStore::reload()
     open();
 }
 
-QVariant SettingsStore::value(QStringView key) const
+QVariant SettingsStore::value(QStringView key, const QVariant &byDefault) const
 {
-    return m_settings->value(key.toString());
+    return m_settings->value(key.toString(), byDefault);
 }
 
 Status SettingsStore::write(std::initializer_list<std::pair<QStringView, QVariant>> values)

@@ -29,6 +29,8 @@ inline constexpr QStringView reminderEvents = u"reminders/events";
 inline constexpr QStringView reminderLeadMinutes = u"reminders/lead_minutes";
 // Whether the player has been told once that a closed window keeps reminding from the tray.
 inline constexpr QStringView trayExplained = u"reminders/tray_explained";
+// Whether every minute brings the axis back to the present (true unless set to false).
+inline constexpr QStringView followPresent = u"view/follow_present";
 } // namespace settingskeys
 
 // The settings a user may edit, as plain INI text: $XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf.
@@ -47,7 +49,7 @@ public:
 
     static QString standardPath();
 
-    QVariant value(QStringView key) const;
+    QVariant value(QStringView key, const QVariant &byDefault = {}) const;
     // Changes these keys, and only these. A list without names is written as an empty value.
     Status write(std::initializer_list<std::pair<QStringView, QVariant>> values);
 

@@ -228,13 +228,18 @@ private Q_SLOTS:
 
         QTest::keyClick(&program.window(), Qt::Key_F5);
         QTRY_COMPARE(m_service.requestCount(u"/mirror"_s + m_document), 1);
+        // F: the minute no longer brings the axis back to the present, and that is kept.
+        QTest::keyClick(&program.window(), Qt::Key_F);
+        QVERIFY(!program.controller().followsPresent());
         program.reminders().choices().setMarked(u"C"_s, true);
         QSettings file(path, QSettings::IniFormat);
         QCOMPARE(file.value(settingskeys::reminderEvents.toString()).toStringList(),
                  (QStringList{u"A"_s, u"B"_s, u"C"_s}));
         QCOMPARE(file.value(settingskeys::reminderLeadMinutes.toString()).toInt(), 10);
+        QCOMPARE(file.value(settingskeys::followPresent.toString()).toBool(), false);
         file.setValue(settingskeys::serviceUrl.toString(), base);
         file.remove(u"reminders"_s);
+        file.remove(u"view"_s);
     }
 
     // Closed while events are marked, it goes on reminding, hidden, and says once how to get

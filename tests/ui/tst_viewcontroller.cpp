@@ -103,6 +103,17 @@ private Q_SLOTS:
         QCOMPARE(controller.timeLabel()->x(), 7550 + 1 + 3);
         QCOMPARE(bar->value(), qFloor(7550 - sixth));
 
+        // Not following the present, the minute moves only the marker and the clock; the axis
+        // goes back to the present when asked.
+        controller.setFollowsPresent(false);
+        bar->setValue(100);
+        window.clock.advance(std::chrono::seconds(60));
+        QCOMPARE(controller.timeConstraint(), std::optional<double>(7560));
+        QCOMPARE(bar->value(), 100);
+        controller.scrollToPresent();
+        QCOMPARE(bar->value(), qFloor(7560 - sixth));
+        controller.setFollowsPresent(true);
+
         // Past UTC midnight the marker starts again at 0; the scroll stops at the content's edge.
         window.clock.setNow(QDateTime(QDate(2026, 11, 22), QTime(23, 59, 30), QTimeZone::utc()));
         window.clock.advance(std::chrono::seconds(60));
