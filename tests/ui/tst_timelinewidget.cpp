@@ -66,12 +66,13 @@ private:
 
 namespace {
 
-// One wheel event as a device reports it: phase, pixel delta, angle delta.
+// One wheel event as a device reports it: phase, pixel delta, angle delta, keys held.
 struct Wheel
 {
     Qt::ScrollPhase phase;
     QPoint pixel;
     QPoint angle;
+    Qt::KeyboardModifiers modifiers = Qt::NoModifier;
 };
 
 Wheel begin(QPoint pixel, QPoint angle = {})
@@ -97,7 +98,7 @@ QWidget *send(QWidget *under, QPoint at, const Wheel &wheel, QPointer<QWidget> &
          widget = follows ? nullptr : widget->parentWidget()) {
         const QPointF local = under->mapTo(widget, at);
         QWheelEvent event(local, widget->mapToGlobal(local), wheel.pixel, wheel.angle, Qt::NoButton,
-                          Qt::NoModifier, wheel.phase, false);
+                          wheel.modifiers, wheel.phase, false);
         if (QApplication::sendEvent(widget, &event) && event.isAccepted())
             taker = widget;
     }
@@ -184,6 +185,24 @@ private Q_SLOTS:
         // A notch down scrolls the day later.
         if (sideways && wheels.last().phase == Qt::NoScrollPhase)
             QCOMPARE_GT(window.sideways()->value(), dayBefore);
+    }
+
+    // A wheel with Shift held and Page Down move the rows, whatever the latest gesture decided;
+    // the day stays where it is.
+    void shiftWheelAndPageKeysMoveTheRows()
+    {
+        SmallTimetable window(QSize(900, 180));
+        QVERIFY(window.exposed());
+        const int day = window.sideways()->value();
+        const QPoint at =
+            window.timeline().boxes().at(window.box(u"Market 10:00"_s)).rect.center().toPoint();
+        QPointer<QWidget> locked;
+        send(&window.timeline(), at, {Qt::NoScrollPhase, {}, {0, -120}, Qt::ShiftModifier}, locked);
+        QCOMPARE_GT(window.upright()->value(), 0);
+        window.upright()->setValue(0);
+        QTest::keyClick(&window.timeline(), Qt::Key_PageDown);
+        QCOMPARE_GT(window.upright()->value(), 0);
+        QCOMPARE(window.sideways()->value(), day);
     }
 
     // However it is copied, the chat link becomes the clipboard's only content, one plain-text

@@ -1,6 +1,7 @@
 #include "ui/scroll/horizontalscroll.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -19,6 +20,10 @@ HorizontalScroll::HorizontalScroll(QWidget *parent)
 
 void HorizontalScroll::wheelEvent(QWheelEvent *event)
 {
+    if (event->modifiers() & Qt::ShiftModifier) {
+        scrollRows(event);
+        return;
+    }
     // Only the first event of a gesture decides; its later and momentum events, and the events
     // of wheels that report no gestures at all, follow the latest decision.
     if (event->phase() == Qt::ScrollBegin) {
@@ -35,6 +40,39 @@ void HorizontalScroll::wheelEvent(QWheelEvent *event)
     scrollSideways(event);
     // The gesture belongs to this area, also where its edge stops it: the timetable around it
     // must not start moving half-way through a sideways swipe.
+    event->accept();
+}
+
+void HorizontalScroll::keyPressEvent(QKeyEvent *event)
+{
+    // This area has no rows of its own to page through; the enclosing one has.
+    if (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown) {
+        event->ignore();
+        return;
+    }
+    QScrollArea::keyPressEvent(event);
+}
+
+void HorizontalScroll::scrollRows(QWheelEvent *event)
+{
+    QWidget *outer = parentWidget();
+    while (outer && !qobject_cast<QAbstractScrollArea *>(outer))
+        outer = outer->parentWidget();
+    if (!outer) {
+        event->ignore();
+        return;
+    }
+    // Whichever way a desktop turns a wheel with Shift held, its turn moves the rows, a step at a
+    // time as without Shift.
+    const auto upright = [](QPoint delta) {
+        return QPoint(0, std::abs(delta.y()) >= std::abs(delta.x()) ? delta.y() : delta.x());
+    };
+    QWheelEvent rows(event->position(), event->globalPosition(), upright(event->pixelDelta()),
+                     upright(event->angleDelta()), event->buttons(),
+                     event->modifiers() & ~Qt::ShiftModifier, event->phase(), event->inverted(),
+                     event->source(), event->pointingDevice());
+    QCoreApplication::sendEvent(static_cast<QAbstractScrollArea *>(outer)->verticalScrollBar(),
+                                &rows);
     event->accept();
 }
 

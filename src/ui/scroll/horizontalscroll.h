@@ -10,6 +10,9 @@ namespace eventtimer {
 // a swipe over it should move only one of the two: at the start of each gesture it decides
 // which. A gesture that starts mostly sideways scrolls the day here; any other is handed on to
 // the enclosing area. The decision holds until the next gesture begins.
+//
+// A wheel with Shift held, and Page Up and Page Down, always move the rows: the enclosing
+// area's.
 class HorizontalScroll : public QScrollArea
 {
     Q_OBJECT
@@ -26,9 +29,11 @@ public:
 
 protected:
     void wheelEvent(QWheelEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void scrollSideways(QWheelEvent *event);
+    void scrollRows(QWheelEvent *event);
 
     bool m_currentScrollIsHorizontal = true;
 };
