@@ -68,9 +68,13 @@ std::span<const RulerMark> marksBetween(const QList<RulerMark> &marks, double le
     return {first, end};
 }
 
-QRectF pastVeil(double markerX, double height)
+QRegion pastVeil(double markerX, double height, const QList<EventBoxGeometry> &boxes)
 {
-    return QRectF(0, 0, std::max(0.0, markerX), height);
+    QRegion veil(QRectF(0, 0, std::max(0.0, markerX), height).toAlignedRect());
+    for (const EventBoxGeometry &box : boxes)
+        if (box.rect.left() < markerX && box.rect.right() > markerX)
+            veil -= box.rect.toAlignedRect();
+    return veil;
 }
 
 } // namespace eventtimer

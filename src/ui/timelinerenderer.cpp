@@ -16,6 +16,7 @@ TimelineRenderer::TimelineRenderer(const QWidget &surface)
 
 void TimelineRenderer::clear()
 {
+    m_veilAt.reset();
     m_painter.clear();
     m_boxPixmaps.clear();
 }
@@ -74,9 +75,16 @@ void TimelineRenderer::paint(QPainter &painter, const QRectF &exposed,
     }
     m_paintedOnce = true;
     // What is over reads as over: a veil in the window's own colour, lighter in a light theme
-    // and darker in a dark one, up to the marker.
-    if (state.markerX())
-        painter.fillRect(pastVeil(*state.markerX(), height).intersected(exposed), veil(0.45F));
+    // and darker in a dark one, up to the marker; the events on now stay clear. Made once per
+    // marker's place.
+    if (state.markerX()) {
+        if (m_veilAt != std::pair(*state.markerX(), height)) {
+            m_veil = pastVeil(*state.markerX(), height, boxes);
+            m_veilAt = {*state.markerX(), height};
+        }
+        for (const QRect &part : m_veil &exposed.toAlignedRect())
+            painter.fillRect(part, veil(0.45F));
+    }
 }
 
 void TimelineRenderer::paintHourLines(QPainter &painter, const QRectF &exposed,

@@ -7,6 +7,10 @@
 #include <QColor>
 #include <QPixmap>
 #include <QRectF>
+#include <QRegion>
+
+#include <optional>
+#include <utility>
 
 class QPainter;
 class QWidget;
@@ -46,6 +50,8 @@ private:
                              qsizetype index);
 
     const QWidget &m_surface;
+    QRegion m_veil;
+    std::optional<std::pair<double, double>> m_veilAt;
     EventBoxPainter m_painter;
     QCache<qsizetype, QPixmap> m_boxPixmaps{pixmapCacheKb};
     QPixmap m_uncached;
