@@ -224,7 +224,8 @@ private Q_SLOTS:
         earlier->setText(u"earlier"_s);
         earlier->setHtml(u"<i>earlier</i>"_s);
         earlier->setData(u"application/x-earlier"_s, "bytes");
-        QGuiApplication::clipboard()->setMimeData(earlier);
+        const QStringList formats = earlier->formats();
+        QGuiApplication::clipboard()->setMimeData(earlier); // which deletes it when replaced
 
         TimelineWidget &timeline = window.timeline();
         const qsizetype index = window.box(box);
@@ -244,7 +245,7 @@ private Q_SLOTS:
             QTest::keyClick(&timeline, key.key(), key.keyboardModifiers());
         }
         const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-        QCOMPARE(data->formats(), copied ? QStringList{u"text/plain"_s} : earlier->formats());
+        QCOMPARE(data->formats(), copied ? QStringList{u"text/plain"_s} : formats);
         QCOMPARE(data->text(), copied.value_or(u"earlier"_s));
         QCOMPARE(window.controller().clipboardMessage()->isVisible(), copied.has_value());
     }
