@@ -13,20 +13,16 @@ namespace {
 const QTimeZone utc = QTimeZone::utc();
 const QDate day(2026, 11, 22);
 
-// One section "C"/"S" of a day in a zone, its occurrences given as start and length in
-// minutes, pair by pair.
-std::shared_ptr<Section> sectionOn(const QTimeZone &zone, QDate date, const QList<int> &pairs)
+// A section "category/name" of a day in a zone, its occurrences (of event A) given as start
+// and length in minutes, pair by pair.
+std::shared_ptr<Section> section(const QString &path, const QList<int> &pairs = {},
+                                 const QTimeZone &zone = utc, QDate date = day)
 {
     QList<Occurrence> occurrences;
     for (qsizetype i = 0; i + 1 < pairs.size(); i += 2)
         occurrences.append({u"A"_s, pairs.at(i), pairs.at(i + 1)});
-    return makeSection(u"C"_s, u"S"_s, secondsSinceEpoch(date.startOfDay(zone)), occurrences);
-}
-
-std::shared_ptr<Section> section(const QString &category, const QString &name,
-                                 const QList<Occurrence> &occurrences = {})
-{
-    return makeSection(category, name, secondsSinceEpoch(day.startOfDay(utc)), occurrences);
+    return makeSection(path.section(u'/', 0, 0), path.section(u'/', 1),
+                       secondsSinceEpoch(date.startOfDay(zone)), occurrences);
 }
 
 // At noon of the date, with labels 17 high.
@@ -50,8 +46,8 @@ private Q_SLOTS:
     {
         // Coast/Harbour, Peaks/Summit, Coast/Reef: Reef is shown with its category's first run.
         const TimetableGeometry geometry =
-            build({section(u"Coast"_s, u"Harbour"_s), section(u"Peaks"_s, u"Summit"_s),
-                   section(u"Coast"_s, u"Reef"_s, {{u"A"_s, 30, 60}})});
+            build({section(u"Coast/Harbour"_s), section(u"Peaks/Summit"_s),
+                   section(u"Coast/Reef"_s, {30, 60})});
         QCOMPARE(geometry.categoryBoxes.size(), 2);
         const CategoryBoxGeometry &coast = geometry.categoryBoxes.at(0);
         QCOMPARE(coast.title, u"Coast"_s);
@@ -73,8 +69,8 @@ private Q_SLOTS:
         // midnight, so the one 23 hours after midnight stands at the next day's minute 0.
         const QTimeZone berlin("Europe/Berlin");
         const QDate change(2026, 3, 29);
-        const TimetableGeometry geometry =
-            build({sectionOn(berlin, change, {0, 120, 120, 1260, 1380, 60})}, berlin, change);
+        const TimetableGeometry geometry = build(
+            {section(u"C/S"_s, {0, 120, 120, 1260, 1380, 60}, berlin, change)}, berlin, change);
         QList<qint64> minutes;
         for (const EventBoxGeometry &box : geometry.eventBoxes)
             minutes.append(box.minutes);
@@ -88,14 +84,13 @@ private Q_SLOTS:
         QTest::addColumn<double>("axisWidth");
 
         QTest::newRow("the widest row")
-            << SectionList{section(u"C"_s, u"A"_s, {{u"A"_s, 0, 1440}}),
-                           section(u"C"_s, u"B"_s, {{u"B"_s, 0, 720}}), section(u"C"_s, u"E"_s)}
+            << SectionList{section(u"C/A"_s, {0, 1440}), section(u"C/B"_s, {0, 720}),
+                           section(u"C/E"_s)}
             << 14400.0 << 14400.0;
         // The content counts durations only; the axis must reach the late box's end.
         QTest::newRow("a row that starts late")
-            << SectionList{section(u"C"_s, u"A"_s, {{u"A"_s, 0, 60}}),
-                           section(u"C"_s, u"B"_s, {{u"B"_s, 1200, 60}})}
-            << 600.0 << 12600.0;
+            << SectionList{section(u"C/A"_s, {0, 60}), section(u"C/B"_s, {1200, 60})} << 600.0
+            << 12600.0;
     }
 
     void widths()
@@ -141,10 +136,10 @@ private Q_SLOTS:
         QFETCH(QList<int>, today);
         QFETCH(QList<int>, following);
         const QTimeZone timeZone(zone);
-        const SectionList sections{sectionOn(timeZone, date, today), section(u"C"_s, u"Empty"_s)};
+        const SectionList sections{section(u"C/S"_s, today, timeZone, date), section(u"C/Empty"_s)};
         const TimetableGeometry alone = build(sections, timeZone, date);
-        const TimetableGeometry geometry =
-            build(sections, timeZone, date, {sectionOn(timeZone, date.addDays(1), following)});
+        const TimetableGeometry geometry = build(
+            sections, timeZone, date, {section(u"C/S"_s, following, timeZone, date.addDays(1))});
 
         QCOMPARE(geometry.followingDate, date.addDays(1));
         QCOMPARE(geometry.axisWidth(), 18000.0); // six hours past the day's 14400
