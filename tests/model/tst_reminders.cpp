@@ -66,11 +66,9 @@ private Q_SLOTS:
         QStringList got;
         for (const Reminder &reminder :
              planReminders(coastDays(timeZone), QSet<QString>(marked.cbegin(), marked.cend()), lead,
-                           timeZone, today.startOfDay(timeZone).addSecs(43200))) {
+                           timeZone, today.startOfDay(timeZone).addSecs(43200)))
             got.append(reminder.at.toTimeZone(timeZone).toString(u"dd HH:mm ") +
                        reminder.event->name + u' ' + reminder.startText);
-            QCOMPARE(reminder.due.toTimeZone(timeZone).toString(u"HH:mm"), reminder.startText);
-        }
         QCOMPARE(got, planned);
     }
 

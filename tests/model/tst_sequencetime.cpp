@@ -95,10 +95,6 @@ private Q_SLOTS:
             << QStringList{u"0 B"_s, u"3600 B"_s, u"7200 C"_s, u"86340 A"_s};
         // The wrap-around rule: a section that starts and ends with the same event in the day's
         // first minute publishes that run once.
-        QTest::newRow("same first and last event: the first is dropped")
-            << SectionList{section(u"X"_s,
-                                   {{u"A"_s, 0, 480}, {u"B"_s, 480, 900}, {u"A"_s, 1380, 60}})}
-            << QStringList{u"28800 B"_s, u"82800 A"_s};
         QTest::newRow("alone at 00:00 it is dropped, from 00:01 kept")
             << SectionList{section(u"X"_s, {{u"A"_s, 0, 1440}}),
                            section(u"Y"_s, {{u"D"_s, 1, 60}, {u"D"_s, 1380, 60}})}

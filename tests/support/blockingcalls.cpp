@@ -1,14 +1,34 @@
 #include "blockingcalls.h"
 
-#include "waitfor.h"
+#include <QEventLoop>
+
+#include <optional>
+#include <utility>
 
 namespace eventtimer::testing {
 
-UrlLoader::Results readAllNow(UrlLoader &loader, const QList<QUrl> &urls, int concurrency,
-                              qint64 maxBodyBytes)
+namespace {
+
+// start(done) begins the call, which hands its answer to done, at once or from the event loop.
+template <typename Answer, typename Start> Answer waitFor(Start start)
+{
+    QEventLoop loop;
+    std::optional<Answer> answer;
+    start([&](Answer value) {
+        answer = std::move(value);
+        loop.quit();
+    });
+    if (!answer)
+        loop.exec();
+    return std::move(*answer);
+}
+
+} // namespace
+
+UrlLoader::Results readAllNow(UrlLoader &loader, const QList<QUrl> &urls, int concurrency)
 {
     return waitFor<UrlLoader::Results>(
-        [&](auto done) { loader.readAll(urls, concurrency, maxBodyBytes, std::move(done)); });
+        [&](auto done) { loader.readAll(urls, concurrency, 0, std::move(done)); });
 }
 
 Result<QByteArray> readNow(UrlLoader &loader, const QUrl &url)
@@ -23,13 +43,13 @@ IconCache::Fetched fetchMissingNow(IconCache &cache, const QStringList &asked, U
         [&](auto done) { cache.fetchMissing(asked, loader, concurrency, std::move(done)); });
 }
 
-DayData loadDayNow(EventDataSource &source, bool download)
+DayData loadDayNow(EventDataSource &source)
 {
     QMetaObject::Connection connection;
     DayData day = waitFor<DayData>([&](auto done) {
         connection =
             QObject::connect(&source, &EventDataSource::finished, &source, std::move(done));
-        source.load(download);
+        source.load();
     });
     QObject::disconnect(connection);
     return day;

@@ -15,11 +15,10 @@ namespace eventtimer::testing {
 
 // The loader's, the icon cache's and the data source's asynchronous calls, waited for in a
 // local event loop.
-UrlLoader::Results readAllNow(UrlLoader &loader, const QList<QUrl> &urls, int concurrency,
-                              qint64 maxBodyBytes = 0);
+UrlLoader::Results readAllNow(UrlLoader &loader, const QList<QUrl> &urls, int concurrency);
 Result<QByteArray> readNow(UrlLoader &loader, const QUrl &url);
 IconCache::Fetched fetchMissingNow(IconCache &cache, const QStringList &asked, UrlLoader &loader,
                                    int concurrency);
-DayData loadDayNow(EventDataSource &source, bool download = false);
+DayData loadDayNow(EventDataSource &source);
 
 } // namespace eventtimer::testing

@@ -49,10 +49,4 @@ void ManualClock::advance(std::chrono::milliseconds by)
     m_elapsedMs = target;
 }
 
-int ManualClock::pending() const
-{
-    return static_cast<int>(std::count_if(m_scheduled.begin(), m_scheduled.end(),
-                                          [](const Scheduled &entry) { return !!entry.context; }));
-}
-
 } // namespace eventtimer::testing

@@ -28,9 +28,8 @@ public:
 
     void setNow(const QDateTime &now) { m_now = now; }
     void advance(std::chrono::milliseconds by);
-    // Callbacks made so far, and those still waiting whose context lives.
+    // Callbacks made so far.
     int callbacksMade() const { return m_callbacksMade; }
-    int pending() const;
 
 private:
     struct Scheduled

@@ -21,9 +21,7 @@ namespace eventtimer::testing {
 struct SmallDay
 {
     static constexpr auto tideLink = u"[&BAAAAA=]";
-    static constexpr auto huntLink = u"[&BHUNT0=]";
     static constexpr auto nightLink = u"<b>[&BNIGHT=]</b> & more";
-    static constexpr auto siegeLink = u"[&BSIEGE=]";
 
     static QDateTime now()
     {
@@ -34,13 +32,13 @@ struct SmallDay
     {
         const double day =
             QDateTime(now().date(), QTime(0, 0), QTimeZone::utc()).toSecsSinceEpoch();
-        const QString siege = QString::fromUtf16(siegeLink);
+        const QString siege = QStringLiteral("[&BSIEGE=]");
         return {makeSection(QStringLiteral("World"), QStringLiteral("Harbour"), day,
                             {{QStringLiteral("Tide"), 540, 60, QString::fromUtf16(tideLink)},
                              {QStringLiteral("Market"), 600, 30, std::nullopt},
                              {QStringLiteral("Storm"), 630, 90, QString()}}),
                 makeSection(QStringLiteral("World"), QStringLiteral("Forest"), day,
-                            {{QStringLiteral("Hunt"), 480, 120, QString::fromUtf16(huntLink)},
+                            {{QStringLiteral("Hunt"), 480, 120, QStringLiteral("[&BHUNT0=]")},
                              {QStringLiteral("Night"), 600, 180, QString::fromUtf16(nightLink)}}),
                 makeSection(QStringLiteral("Raids"), QStringLiteral("Vault"), day, {}),
                 makeSection(QStringLiteral("Raids"), QStringLiteral("Keep"), day,

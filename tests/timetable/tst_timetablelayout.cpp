@@ -12,29 +12,25 @@ namespace {
 
 const QTimeZone utc = QTimeZone::utc();
 const QDate day(2026, 11, 22);
-constexpr double h = 17.0;
 
-// One section "C"/"S" of a day in a zone, its occurrences given as start and length in
-// minutes, pair by pair.
-std::shared_ptr<Section> sectionOn(const QTimeZone &zone, QDate date, const QList<int> &pairs)
+// A section "category/name" of a day in a zone, its occurrences (of event A) given as start
+// and length in minutes, pair by pair.
+std::shared_ptr<Section> section(const QString &path, const QList<int> &pairs = {},
+                                 const QTimeZone &zone = utc, QDate date = day)
 {
     QList<Occurrence> occurrences;
     for (qsizetype i = 0; i + 1 < pairs.size(); i += 2)
         occurrences.append({u"A"_s, pairs.at(i), pairs.at(i + 1)});
-    return makeSection(u"C"_s, u"S"_s, secondsSinceEpoch(date.startOfDay(zone)), occurrences);
+    return makeSection(path.section(u'/', 0, 0), path.section(u'/', 1),
+                       secondsSinceEpoch(date.startOfDay(zone)), occurrences);
 }
 
-std::shared_ptr<Section> section(const QString &category, const QString &name,
-                                 const QList<Occurrence> &occurrences = {})
-{
-    return makeSection(category, name, secondsSinceEpoch(day.startOfDay(utc)), occurrences);
-}
-
+// At noon of the date, with labels 17 high.
 TimetableGeometry build(const SectionList &sections, const QTimeZone &zone = utc, QDate date = day,
                         const SectionList &following = {})
 {
     return TimetableLayout::build(
-        sections, zone, QDateTime(date, QTime(12, 0), zone), [](const QString &) { return h; },
+        sections, zone, QDateTime(date, QTime(12, 0), zone), [](const QString &) { return 17.0; },
         following);
 }
 
@@ -50,22 +46,20 @@ private Q_SLOTS:
     {
         // Coast/Harbour, Peaks/Summit, Coast/Reef: Reef is shown with its category's first run.
         const TimetableGeometry geometry =
-            build({section(u"Coast"_s, u"Harbour"_s), section(u"Peaks"_s, u"Summit"_s),
-                   section(u"Coast"_s, u"Reef"_s, {{u"A"_s, 30, 60}})});
+            build({section(u"Coast/Harbour"_s), section(u"Peaks/Summit"_s),
+                   section(u"Coast/Reef"_s, {30, 60})});
         QCOMPARE(geometry.categoryBoxes.size(), 2);
         const CategoryBoxGeometry &coast = geometry.categoryBoxes.at(0);
         QCOMPARE(coast.title, u"Coast"_s);
-        // The box closes 40 below its last label; the next opens 7 below, its label 52 lower.
-        QCOMPARE(coast.rect(300), QRectF(5, 7, 300 - 14, 146 + 2 * h - 7 - 7));
-        QCOMPARE(geometry.sectionLabels.at(0).top, 59.0);
+        // Labels 59 and 116 from the top, the box closing 40 below the last; the next box opens
+        // 7 below, its label 52 lower.
+        QCOMPARE(coast.rect(300), QRectF(5, 7, 286, 166));
         QCOMPARE(geometry.sectionLabels.at(1).text, u"Reef"_s);
-        QCOMPARE(geometry.sectionLabels.at(1).top, 59 + h + 40);
-        QCOMPARE(geometry.categoryBoxes.at(1).rect(300), QRectF(5, 146 + 2 * h, 286, 52 + h + 40));
-        QCOMPARE(geometry.sectionLabels.at(2).top, 198 + 2 * h);
-        // 7 + 59 × categories + Σ (h + 40), which is the last box's bottom + 7.
-        QCOMPARE(geometry.contentHeight, 7 + 59 * 2 + 3 * (h + 40));
-        // The second row's boxes start 25 below its top, rowTop = 59 + h.
-        QCOMPARE(geometry.eventBoxes.at(0).rect, QRectF(300, 59 + h + 25, 597, h + 35));
+        QCOMPARE(geometry.categoryBoxes.at(1).rect(300), QRectF(5, 180, 286, 109));
+        // The last box's bottom + 7.
+        QCOMPARE(geometry.contentHeight, 296.0);
+        // The second row's boxes start 25 below its top, 76.
+        QCOMPARE(geometry.eventBoxes.at(0).rect, QRectF(300, 101, 597, 52));
         QCOMPARE(geometry.eventBoxes.at(0).row, 1);
     }
 
@@ -75,8 +69,8 @@ private Q_SLOTS:
         // midnight, so the one 23 hours after midnight stands at the next day's minute 0.
         const QTimeZone berlin("Europe/Berlin");
         const QDate change(2026, 3, 29);
-        const TimetableGeometry geometry =
-            build({sectionOn(berlin, change, {0, 120, 120, 1260, 1380, 60})}, berlin, change);
+        const TimetableGeometry geometry = build(
+            {section(u"C/S"_s, {0, 120, 120, 1260, 1380, 60}, berlin, change)}, berlin, change);
         QList<qint64> minutes;
         for (const EventBoxGeometry &box : geometry.eventBoxes)
             minutes.append(box.minutes);
@@ -90,14 +84,13 @@ private Q_SLOTS:
         QTest::addColumn<double>("axisWidth");
 
         QTest::newRow("the widest row")
-            << SectionList{section(u"C"_s, u"A"_s, {{u"A"_s, 0, 1440}}),
-                           section(u"C"_s, u"B"_s, {{u"B"_s, 0, 720}}), section(u"C"_s, u"E"_s)}
+            << SectionList{section(u"C/A"_s, {0, 1440}), section(u"C/B"_s, {0, 720}),
+                           section(u"C/E"_s)}
             << 14400.0 << 14400.0;
         // The content counts durations only; the axis must reach the late box's end.
         QTest::newRow("a row that starts late")
-            << SectionList{section(u"C"_s, u"A"_s, {{u"A"_s, 0, 60}}),
-                           section(u"C"_s, u"B"_s, {{u"B"_s, 1200, 60}})}
-            << 600.0 << 12600.0;
+            << SectionList{section(u"C/A"_s, {0, 60}), section(u"C/B"_s, {1200, 60})} << 600.0
+            << 12600.0;
     }
 
     void widths()
@@ -143,13 +136,13 @@ private Q_SLOTS:
         QFETCH(QList<int>, today);
         QFETCH(QList<int>, following);
         const QTimeZone timeZone(zone);
-        const SectionList sections{sectionOn(timeZone, date, today), section(u"C"_s, u"Empty"_s)};
+        const SectionList sections{section(u"C/S"_s, today, timeZone, date), section(u"C/Empty"_s)};
         const TimetableGeometry alone = build(sections, timeZone, date);
-        const TimetableGeometry geometry =
-            build(sections, timeZone, date, {sectionOn(timeZone, date.addDays(1), following)});
+        const TimetableGeometry geometry = build(
+            sections, timeZone, date, {section(u"C/S"_s, following, timeZone, date.addDays(1))});
 
         QCOMPARE(geometry.followingDate, date.addDays(1));
-        QCOMPARE(geometry.axisWidth(), std::max(18000.0, alone.axisWidth()));
+        QCOMPARE(geometry.axisWidth(), 18000.0); // six hours past the day's 14400
         const qsizetype own = alone.eventBoxes.size();
         QList<double> lefts;
         for (qsizetype i = 0; i < geometry.eventBoxes.size(); ++i) {
@@ -168,14 +161,11 @@ private Q_SLOTS:
     {
         const QRectF box(100, 44, 447, 52);
         QCOMPARE(EventBoxGeometry::nameRect(box, 15), QRectF(105, 47, 437, 15));
-        QCOMPARE(EventBoxGeometry::timeRect(box, 30, 15), QRectF(105, 44 + 52 - 3 - 15, 30, 15));
-        QCOMPARE(EventBoxGeometry::copyButtonRect(box, QSizeF(20, 18)),
-                 QRectF(100 + 447 - 6 - 20, 44 + 52 - 6 - 18, 20, 18));
+        QCOMPARE(EventBoxGeometry::timeRect(box, 30, 15), QRectF(105, 78, 30, 15));
+        QCOMPARE(EventBoxGeometry::copyButtonRect(box, QSizeF(20, 18)), QRectF(521, 72, 20, 18));
         // Scaled down to the box's height less its margins, never up; centred.
-        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(64, 64)),
-                 QRectF(box.center().x() - 21, box.center().y() - 21, 42, 42));
-        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(32, 16)),
-                 QRectF(box.center().x() - 16, box.center().y() - 8, 32, 16));
+        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(64, 64)), QRectF(302.5, 49, 42, 42));
+        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(32, 16)), QRectF(307.5, 62, 32, 16));
     }
 };
 

@@ -71,8 +71,6 @@ private Q_SLOTS:
             QStringList{u"    \"varn_global_events_times\": [0,3600,3601,3602,79200,86340],"_s,
                         u"    \"varn_global_events_sequence\": [\"Regatta\",\"Storm Watch\","
                         u"\"Pearl Dive\",\"Ferry\",\"Beacon\",\"Moonrise\"],"_s,
-                        u"    \"varn_global_events_sections\": [\"Pier\",\"Breakwater\",\"Lagoon\","
-                        u"\"Pier\",\"Breakwater\",\"Lagoon\"],"_s,
                         u"    \"written_at\": \"2026-11-22T12:00:00Z\""_s}};
         QTest::newRow("--export: records left out on the error stream")
             << Run{u"--export skipped.json"_s, 1, QStringList(), skipped + u'\n'};
