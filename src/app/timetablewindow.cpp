@@ -14,13 +14,6 @@ using namespace Qt::StringLiterals;
 
 namespace eventtimer {
 
-namespace {
-
-// Without a remembered place: a roomy window, within the screen.
-constexpr QSize firstSize(1280, 800);
-
-} // namespace
-
 TimetableWindow::TimetableWindow(SettingsStore &settings, QWidget *parent)
     : QMainWindow(parent)
     , m_settings(settings)
@@ -113,8 +106,12 @@ void TimetableWindow::restorePlace()
         screens.append(own->availableGeometry());
     for (const QScreen *other : QGuiApplication::screens())
         screens.append(other->availableGeometry());
-    const WindowPlacement placement = placeWindow(
-        m_settings.value(settingskeys::windowGeometry).toRect(), screens, minimumSize(), firstSize);
+    // Without a remembered place: most of the screen, for hours of the day at a glance. Where
+    // the compositor places windows (Wayland), only the size is taken.
+    const QSize firstSize = (screens.value(0).size() * 0.8).expandedTo(minimumSize());
+    const WindowPlacement placement =
+        placeWindow(m_settings.value(settingskeys::windowGeometry).toRect(), screens, minimumSize(),
+                    firstSize, !QGuiApplication::platformName().startsWith(u"wayland"_s));
     if (placement.placed)
         setGeometry(placement.geometry);
     else

@@ -38,17 +38,23 @@ QRectF EventBoxGeometry::timeRect(const QRectF &box, double textWidth, double te
                   textWidth, textHeight);
 }
 
-QRectF EventBoxGeometry::iconRect(const QRectF &box, QSizeF iconSize)
+QRectF EventBoxGeometry::iconRect(const QRectF &box, QSizeF iconSize, bool copyButton,
+                                  double timeWidth)
 {
     // The icon's frame is as high as the box less its margins and as wide as the icon; the
     // picture is scaled down (never up) to fit it, keeping its proportions.
     const double frameHeight = box.height() - 2 * C::boxMargin;
     if (iconSize.isEmpty() || frameHeight <= 0)
         return {};
-    const double scale = std::min(1.0, frameHeight / iconSize.height());
-    const QSizeF drawn = iconSize * scale;
-    return QRectF(box.center().x() - drawn.width() / 2, box.center().y() - drawn.height() / 2,
-                  drawn.width(), drawn.height());
+    const QSizeF drawn = iconSize * std::min(1.0, frameHeight / iconSize.height());
+    const double right =
+        box.right() -
+        (copyButton ? C::copyButtonInset + C::copyButtonWidth + C::eventDistance : C::boxMargin);
+    const QRectF icon(right - drawn.width(), box.center().y() - drawn.height() / 2, drawn.width(),
+                      drawn.height());
+    if (icon.left() < box.left() + C::boxMargin + timeWidth + C::eventDistance)
+        return {};
+    return icon;
 }
 
 QRectF EventBoxGeometry::copyButtonRect(const QRectF &box, QSizeF buttonSize)

@@ -52,10 +52,13 @@ struct EventBoxGeometry
     const Event &event() const { return *item->event; }
 
     // Where the parts of a box go: the name along the top, the start time at the bottom left,
-    // the icon centred, the copy button in the bottom-right corner.
+    // the icon at the right, the copy button in the bottom-right corner; nothing covers a text.
     static QRectF nameRect(const QRectF &box, double textHeight);
     static QRectF timeRect(const QRectF &box, double textWidth, double textHeight);
-    static QRectF iconRect(const QRectF &box, QSizeF iconSize);
+    // The icon stands at the box's right end, before the copy button, as high as the box
+    // less its margins (never enlarged); none (empty) where it would reach over the start time.
+    // The name ends before it.
+    static QRectF iconRect(const QRectF &box, QSizeF iconSize, bool copyButton, double timeWidth);
     static QRectF copyButtonRect(const QRectF &box, QSizeF buttonSize);
 };
 

@@ -179,29 +179,36 @@ void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, cons
     const bool onDark = isDark(event.backgroundColor.toQColor(), m_background);
     const double textHeight = QFontMetricsF(m_font).height();
     const QRectF nameRect = EventBoxGeometry::nameRect(rect, textHeight);
-    // The bell takes the end of the name's line; the name is cut before it.
-    const double bellRoom = state.marked ? bellSize + LayoutConstants::eventDistance : 0.0;
-    drawHaloText(painter, nameRect.topLeft(), nameText(box, bellRoom), onDark);
-    if (state.marked)
-        drawBell(painter,
-                 QRectF(nameRect.right() - bellSize, nameRect.center().y() - bellSize / 2, bellSize,
-                        bellSize),
-                 onDark);
     const QStaticText &time = timeText(box.startText);
     drawHaloText(
         painter,
         EventBoxGeometry::timeRect(rect, time.size().width(), time.size().height()).topLeft(), time,
         onDark);
 
-    if (event.icon) {
-        const QPixmap &icon = iconOf(event);
+    // The icon at the right, where the box has room for it beside the time; the name and its
+    // bell end before it.
+    const QPixmap *icon = event.icon ? &iconOf(event) : nullptr;
+    const QRectF iconRect =
+        icon ? EventBoxGeometry::iconRect(rect, icon->deviceIndependentSize(),
+                                          event.chatLink.has_value(), time.size().width())
+             : QRectF();
+    if (!iconRect.isEmpty()) {
         // Drawn from all the pixels the picture has, at the screen's own resolution.
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.setOpacity(0.5);
-        painter.drawPixmap(EventBoxGeometry::iconRect(rect, icon.deviceIndependentSize()), icon,
-                           icon.rect());
+        painter.drawPixmap(iconRect, *icon, icon->rect());
         painter.setOpacity(1.0);
     }
+    const double iconRoom =
+        iconRect.isEmpty() ? 0.0
+                           : nameRect.right() - iconRect.left() + LayoutConstants::eventDistance;
+    const double bellRoom = state.marked ? bellSize + LayoutConstants::eventDistance : 0.0;
+    drawHaloText(painter, nameRect.topLeft(), nameText(box, iconRoom + bellRoom), onDark);
+    if (state.marked)
+        drawBell(painter,
+                 QRectF(nameRect.right() - iconRoom - bellSize,
+                        nameRect.center().y() - bellSize / 2, bellSize, bellSize),
+                 onDark);
 
     if (event.chatLink)
         painter.drawPixmap(EventBoxGeometry::copyButtonRect(rect, copyButtonSize).topLeft(),

@@ -163,9 +163,14 @@ private Q_SLOTS:
         QCOMPARE(EventBoxGeometry::nameRect(box, 15), QRectF(105, 47, 437, 15));
         QCOMPARE(EventBoxGeometry::timeRect(box, 30, 15), QRectF(105, 78, 30, 15));
         QCOMPARE(EventBoxGeometry::copyButtonRect(box, QSizeF(20, 18)), QRectF(521, 72, 20, 18));
-        // Scaled down to the box's height less its margins, never up; centred.
-        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(64, 64)), QRectF(302.5, 49, 42, 42));
-        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(32, 16)), QRectF(307.5, 62, 32, 16));
+        // Scaled down to the box's height less its margins, never up; at the right, before the
+        // copy button; none where it would reach over the time.
+        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(64, 64), true, 30),
+                 QRectF(476, 49, 42, 42));
+        QCOMPARE(EventBoxGeometry::iconRect(box, QSizeF(32, 16), false, 30),
+                 QRectF(510, 62, 32, 16));
+        QVERIFY(EventBoxGeometry::iconRect(QRectF(100, 44, 60, 52), QSizeF(64, 64), false, 30)
+                    .isEmpty());
     }
 };
 
