@@ -54,7 +54,8 @@ public:
     // Ends every read in flight at once; their callbacks are not called.
     void cancel();
 
-    // Whether the loader talks to this address at all.
+    // Whether the loader talks to this address at all; the reason does not repeat the address,
+    // which whoever says it names once.
     static Result<void> checkAddress(const QUrl &url);
 
     const Limits &limits() const { return m_limits; }

@@ -95,6 +95,18 @@ private Q_SLOTS:
         QCOMPARE(boxtexts::details(watch),
                  u"Watch\nKeep\n12:30\u201300:00, 11 h 30 min, tomorrow"_s);
         QCOMPARE(boxtexts::description(watch, true), u"12:30, Keep, tomorrow, reminder set"_s);
+
+        // At 10:15 the veil covers the axis up to the marker but for the boxes on now (Storm
+        // 10:30 has not begun; Night and Watch run), whose names and times stay clear.
+        const QRegion veil = pastVeil(6150, 400, boxes);
+        for (const auto &[box, veiled] : {std::pair{u"Tide 09:00"_s, true},
+                                          {u"Market 10:00"_s, false},
+                                          {u"Night 10:00"_s, false},
+                                          {u"Watch 00:30"_s, false}})
+            QCOMPARE(veil.contains(boxes.at(boxNamed(boxes, box)).rect.topLeft().toPoint() +
+                                   QPoint(2, 2)),
+                     veiled);
+        QVERIFY(veil.contains(QPoint(6149, 0)) && !veil.contains(QPoint(6151, 0)));
     }
 
     // Case and accents do not count; the walk goes by start and wraps at the ends.
@@ -233,6 +245,12 @@ private Q_SLOTS:
         QTest::newRow("http") << u"http://wiki.example.org/{page}"_s << u"A"_s << QString();
         QTest::newRow("no {page}") << u"https://wiki.example.org/"_s << u"A"_s << QString();
         QTest::newRow("no page name") << wiki << u" "_s << QString();
+        // A link that is a whole https address already opens as it is, with or without a template.
+        QTest::newRow("a whole address") << wiki << u"https://wiki.example.test/Shadow_Behemoth"_s
+                                         << u"https://wiki.example.test/Shadow_Behemoth"_s;
+        QTest::newRow("a whole address, no template")
+            << QString() << u"https://w.example.test/A"_s << u"https://w.example.test/A"_s;
+        QTest::newRow("a name, no template") << QString() << u"A"_s << QString();
     }
 
     void wikiPagesAreSafeAddresses()
