@@ -177,6 +177,11 @@ private Q_SLOTS:
         QTRY_VERIFY(!program.days().isLoading());
         QTRY_COMPARE(shown(program), shows);
         QCOMPARE(published(), suite);
+        // An empty timetable says why, where the address is set, and that F5 tries again.
+        if (shows.startsWith(u"empty"_s))
+            QVERIFY(program.controller().statusMessage()->text().endsWith(
+                u"\nThe address is event_service_url in "_s + SettingsStore::standardPath() +
+                u"; F5 tries again."_s));
         const QString line = program.window().statusLine()->text();
         QVERIFY2(QRegularExpression(status).match(line).hasMatch(), qPrintable(line));
         QCOMPARE(program.window().statusLine()->isVisible(), !line.isEmpty());
