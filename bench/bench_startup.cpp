@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -111,6 +112,33 @@ Run runChild(const QString &mode, const QProcessEnvironment &environment, bool s
     return {ms, output.mid(at + 8).trimmed().toLongLong()};
 }
 
+// The instructions a child run executes, counted by callgrind (valgrind): the same for the same
+// work whatever else the machine does, where wall time swings. 0 without valgrind.
+qint64 instructions(const QString &mode, const QProcessEnvironment &environment)
+{
+    const QString valgrind = QStandardPaths::findExecutable(u"valgrind"_s);
+    if (valgrind.isEmpty())
+        return 0;
+    QProcess child;
+    child.setProcessEnvironment(environment);
+    child.start(valgrind, {u"--tool=callgrind"_s, u"--callgrind-out-file=/dev/null"_s,
+                           QCoreApplication::applicationFilePath(), mode});
+    child.waitForFinished(300000);
+    const QByteArray report = child.readAllStandardError();
+    const qsizetype at = report.lastIndexOf("Collected : ");
+    return at < 0 ? 0
+                  : report.mid(at + 12, report.indexOf('\n', at) - at - 12).trimmed().toLongLong();
+}
+
+// "app 131.1 M, minimal window 64.2 M instructions: 2.04 x", or nothing without valgrind.
+void printInstructions(const char *what, qint64 app, qint64 minimal)
+{
+    if (app > 0 && minimal > 0)
+        std::printf("%s, in instructions: app %.1f M, minimal window %.1f M: %.2f x\n", what,
+                    static_cast<double>(app) / 1e6, static_cast<double>(minimal) / 1e6,
+                    static_cast<double>(app) / static_cast<double>(minimal));
+}
+
 int compare(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
@@ -151,6 +179,12 @@ int compare(int argc, char *argv[])
                 "of %d: app %.1f ms, minimal window %.1f ms: %.2f x (target 2 x)\n",
                 runs, median(firstWindow), median(firstMinimal),
                 median(firstWindow) / median(firstMinimal));
+    {
+        QProcessEnvironment fresh = environment;
+        fresh.insert(u"XDG_CACHE_HOME"_s, config.filePath(u"first-counted"_s));
+        printInstructions("first start", instructions(u"--window"_s, fresh),
+                          instructions(u"--minimal"_s, fresh));
+    }
     service.clearBehaviours();
 
     // The start that fills the cache, then later starts from it.
@@ -174,6 +208,8 @@ int compare(int argc, char *argv[])
     std::printf("later start from the cache: start to the timetable's first paint, median of "
                 "%d: app %.1f ms, minimal window %.1f ms: %.2f x (target 2 x)\n",
                 runs, median(app), median(minimal), median(app) / median(minimal));
+    printInstructions("later start from the cache", instructions(u"--app"_s, environment),
+                      instructions(u"--minimal"_s, environment));
     std::printf("peak RSS: app %lld kB, minimal window %lld kB: +%.1f MB (target +15 MB)\n",
                 static_cast<long long>(appPeak), static_cast<long long>(minimalPeak),
                 static_cast<double>(appPeak - minimalPeak) / 1024.0);
