@@ -2,6 +2,7 @@
 
 #include "model/oneline.h"
 #include "model/shownstart.h"
+#include "model/soontext.h"
 
 #include "cli/atoption.h"
 #include "version.h"
@@ -130,20 +131,9 @@ QString argosInert(QString text)
     return text;
 }
 
-QString soonText(const Upcoming &next, const QDateTime &now)
-{
-    const qint64 minutes = (now.secsTo(next.due) + 59) / 60;
-    if (minutes <= 0)
-        return u"now"_s;
-    if (minutes < 60)
-        return u"in "_s + QString::number(minutes) + u" min"_s;
-    return u"in "_s + QString::number(minutes / 60) + u" h "_s + QString::number(minutes % 60) +
-           u" min"_s;
-}
-
 QString headline(const Upcoming &next, const QDateTime &now)
 {
-    return next.name + u' ' + next.start + u" ("_s + soonText(next, now) + u')';
+    return next.name + u' ' + next.start + u" ("_s + soonText(now.secsTo(next.due)) + u')';
 }
 
 QString detail(const Upcoming &event)
