@@ -6,8 +6,10 @@
 #include "data/settingsstore.h"
 #include "data/suiteexport.h"
 #include "data/urlloader.h"
+#include "data/viewsettings.h"
 #include "model/clock.h"
 #include "model/globalsequence.h"
+#include "model/reminderchoices.h"
 #include "ui/eventhook.h"
 #include "ui/viewcontroller.h"
 
@@ -33,6 +35,11 @@ DayLoader::DayLoader(Parts parts, QObject *parent)
     // The minute on the clock's own timer, not the timetable's: a new day is noticed whatever
     // the window shows, and so are the reminders due.
     m_parts.clock.callEvery(std::chrono::minutes(1), this, [this] { minuteTick(); });
+    // Only marked: a mark set or removed can give a section its row or take it.
+    connect(&m_parts.reminders.choices(), &ReminderChoices::changed, this, [this] {
+        if (m_viewChoices.markedOnly && m_shown && shownNames() != m_controllerNames)
+            reshow();
+    });
 }
 
 DayLoader::~DayLoader()
@@ -63,7 +70,15 @@ void DayLoader::followSettings()
         m_parts.settings.value(settingskeys::wikiPageUrl).toString().trimmed());
     const bool follows = m_parts.settings.value(settingskeys::followPresent, true).toBool();
     m_controller->setFollowsPresent(follows);
-    m_parts.window.setFollowsPresent(follows);
+    const ViewChoices choices = readViewChoices(m_parts.settings);
+    m_parts.window.showViewChoices(follows, choices.nextUp, choices.markedOnly);
+    const bool rebuild = choices.hiddenSections != m_viewChoices.hiddenSections ||
+                         choices.hiddenCategories != m_viewChoices.hiddenCategories ||
+                         choices.markedOnly != m_viewChoices.markedOnly;
+    m_viewChoices = choices;
+    m_controller->setNextUp(choices.nextUp, choices.markedOnly);
+    if (rebuild && m_shown)
+        reshow();
 }
 
 void DayLoader::load(Occasion occasion)
@@ -148,7 +163,7 @@ void DayLoader::show(Occasion occasion, DayData day)
                             ? day.problem->text() + u"\nThe address is event_service_url in "_s +
                                   m_parts.settings.fileName() + u"; F5 tries again."_s
                             : QString();
-    controller->loadDidFinish(day.sections, day.followingDay, why);
+    hand(*controller, day, why);
     if (previous)
         m_parts.window.showTimetable(controller->view());
     // A window in the tray builds the new day's timetable all the same: it keeps the time, the
@@ -167,6 +182,48 @@ void DayLoader::show(Occasion occasion, DayData day)
         m_parts.window.showStatus({});
     }
     Q_EMIT timetableReplaced();
+}
+
+void DayLoader::reshow()
+{
+    if (m_shown->sections.isEmpty())
+        return; // an empty timetable shows no section to hide
+    // The old timetable goes once the event that asked for this one is done with it.
+    std::exchange(m_controller, makeController()).release()->deleteLater();
+    hand(*m_controller, *m_shown, {});
+    m_parts.window.showTimetable(m_controller->view());
+    if (!m_parts.window.isVisible())
+        m_controller->viewDidAppear();
+    Q_EMIT timetableReplaced();
+}
+
+void DayLoader::hand(ViewController &controller, const DayData &day, const QString &problem)
+{
+    const QSet<QString> &marked = m_parts.reminders.choices().markedSet();
+    const SectionList shown = m_viewChoices.shown(day.sections, marked);
+    m_controllerNames = shownNames();
+    if (shown.isEmpty() && !day.sections.isEmpty()) {
+        // Said by what hides them: the marks, or the hidden names.
+        ViewChoices everything = m_viewChoices;
+        everything.markedOnly = false;
+        controller.setEmptyText(
+            m_viewChoices.markedOnly && !everything.shown(day.sections, marked).isEmpty()
+                ? u"No section holds a marked event: M shows every section again."_s
+                : u"Every section is hidden: the preferences (Ctrl+,) show them again."_s);
+    }
+    controller.setHiddenSections(m_viewChoices.hidden(day.sections, marked));
+    controller.setNextUp(m_viewChoices.nextUp, m_viewChoices.markedOnly);
+    controller.loadDidFinish(shown, m_viewChoices.shown(day.followingDay, marked), problem);
+}
+
+QStringList DayLoader::shownNames() const
+{
+    QStringList names;
+    if (m_shown)
+        for (const auto &section :
+             m_viewChoices.shown(m_shown->sections, m_parts.reminders.choices().markedSet()))
+            names.append(section->name);
+    return names;
 }
 
 void DayLoader::keepShown(const DayData &day)
@@ -229,8 +286,14 @@ std::unique_ptr<ViewController> DayLoader::makeController()
     view->setViewActions(m_parts.window.viewActions());
     connect(view, &ViewController::preferencesRequested, &m_parts.window,
             &TimetableWindow::preferencesRequested);
-    // The timetable is built when its view first shows, as it is on the screen.
-    new EventHook(view->view(), QEvent::Show, [view] { view->viewDidAppear(); });
+    // Hiding builds the timetable again: after the menu that asked has closed, not under it.
+    connect(view, &ViewController::hideRequested, this, &DayLoader::hideRequested,
+            Qt::QueuedConnection);
+    // The timetable is built when its view first shows, as it is on the screen: once the
+    // layouts have given it its size, from which the present's place is taken.
+    new EventHook(view->view(), QEvent::Show, [view] {
+        QMetaObject::invokeMethod(view, &ViewController::viewDidAppear, Qt::QueuedConnection);
+    });
     return controller;
 }
 

@@ -2,6 +2,7 @@
 
 #include "data/daydata.h"
 #include "data/eventdatasource.h"
+#include "model/viewchoices.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -31,6 +32,10 @@ class ViewController;
 // the window's status line (and a line on the error stream) says why and since when. A new day
 // whose download fails is built from the copy in the cache folder, however old, and the status
 // line names the day that copy was downloaded.
+//
+// The player's view choices (hidden sections and categories, only marked, Next up) shape only
+// what the window shows: a change builds the shown day's timetable again, and never touches the
+// suite or the reminders, which always take the whole day.
 class DayLoader : public QObject
 {
     Q_OBJECT
@@ -59,9 +64,10 @@ public:
     void start();
     // Downloads the document again, whatever its age.
     void reload();
-    // The settings file changed: the timetable shown takes what it uses of it. (The address is
-    // read at every load.)
+    // The settings file changed: the timetable shown takes what it uses of it, the view choices
+    // included. (The address is read at every load.)
     void followSettings();
+    const ViewChoices &viewChoices() const { return m_viewChoices; }
 
     // Whether a load is under way.
     bool isLoading() const { return m_source != nullptr; }
@@ -73,6 +79,8 @@ public:
 Q_SIGNALS:
     // A new timetable stands in the window.
     void timetableReplaced();
+    // The player asked, from the timetable, to hide a section or a category.
+    void hideRequested(bool category, const QString &name);
 
 private:
     enum class Occasion
@@ -88,6 +96,11 @@ private:
     bool replacesShown(Occasion occasion, const DayData &day) const;
     void show(Occasion occasion, DayData day);
     void keepShown(const DayData &day);
+    // The shown day's timetable again, for changed view choices; nothing else changes.
+    void reshow();
+    // What the view is given of a day: the sections the choices let through.
+    void hand(ViewController &controller, const DayData &day, const QString &problem);
+    QStringList shownNames() const;
     void publish(const DayData &day);
     void minuteTick();
     std::unique_ptr<ViewController> makeController();
@@ -104,6 +117,9 @@ private:
     QDateTime m_failingSince;
     QDateTime m_retryAt;
     bool m_unknownMarksSaid = false;
+    ViewChoices m_viewChoices;
+    // The sections the timetable in the window was given, by name.
+    QStringList m_controllerNames;
 };
 
 } // namespace eventtimer

@@ -1,6 +1,7 @@
 #include "app/eventtimer.h"
 
 #include "app/preferencesdialog.h"
+#include "data/viewsettings.h"
 #include "ui/viewcontroller.h"
 
 #include <QApplication>
@@ -26,7 +27,7 @@ EventTimer::EventTimer(Clock &clock, QTextStream &out, QTextStream &err, QObject
     connect(&m_window, &TimetableWindow::reloadRequested, this, &EventTimer::reload);
     // The settings file is the truth: what is edited by hand while the program runs is taken,
     // and a file whose changes cannot be kept is said under the timetable.
-    connect(&m_settings, &SettingsStore::changedOnDisk, m_days.get(), &DayLoader::followSettings);
+    connect(&m_settings, &SettingsStore::changedOnDisk, this, &EventTimer::followViewSettings);
     const auto showSettingsProblem = [this](const QString &problem) {
         m_window.showStatus(problem.isEmpty() ? QString() : u"Settings: "_s + problem,
                             TimetableWindow::Topic::Settings);
@@ -41,6 +42,17 @@ EventTimer::EventTimer(Clock &clock, QTextStream &out, QTextStream &err, QObject
         if (follows)
             controller().scrollToPresent();
     });
+    // The view choices, remembered in the settings file as they are made.
+    connect(&m_window, &TimetableWindow::nextUpToggled, this, [this](bool shown) {
+        m_settings.write({{settingskeys::nextUp, shown}});
+        followViewSettings();
+    });
+    connect(&m_window, &TimetableWindow::markedOnlyToggled, this, [this](bool markedOnly) {
+        m_settings.write({{settingskeys::markedOnly, markedOnly}});
+        followViewSettings();
+    });
+    connect(m_days.get(), &DayLoader::hideRequested, this,
+            [this](bool category, const QString &name) { setHidden(category, name, true); });
     connect(&m_window, &TimetableWindow::presentRequested, this,
             [this] { controller().scrollToPresent(); });
     connect(&m_tray, &Tray::reloadRequested, this, &EventTimer::reload);
@@ -108,12 +120,32 @@ void EventTimer::setStartAtLogin(bool start)
     }
 }
 
+void EventTimer::followViewSettings()
+{
+    m_days->followSettings();
+    if (m_preferences) {
+        const ViewChoices &choices = m_days->viewChoices();
+        m_preferences->setHidden(choices.hiddenSections, choices.hiddenCategories);
+    }
+}
+
+void EventTimer::setHidden(bool category, const QString &name, bool hidden)
+{
+    // A write that fails is said by the store, and the choice holds while the program runs.
+    writeHidden(m_settings, category, name, hidden);
+    followViewSettings();
+}
+
 void EventTimer::showPreferences()
 {
     if (!m_preferences) {
         auto *preferences = new PreferencesDialog(m_reminders.choices(), m_autostart, &m_window);
         connect(preferences, &PreferencesDialog::startAtLoginRequested, this,
                 &EventTimer::setStartAtLogin);
+        connect(preferences, &PreferencesDialog::showAgainRequested, this,
+                [this](bool category, const QString &name) { setHidden(category, name, false); });
+        const ViewChoices &choices = m_days->viewChoices();
+        preferences->setHidden(choices.hiddenSections, choices.hiddenCategories);
         m_preferences = preferences;
         m_preferences->setAttribute(Qt::WA_DeleteOnClose);
     }

@@ -2,6 +2,7 @@
 
 #include "app/autostart.h"
 #include "app/dayloader.h"
+#include "app/preferencesdialog.h"
 #include "app/reminders.h"
 #include "app/timetablewindow.h"
 #include "app/tray.h"
@@ -42,6 +43,8 @@ public:
     void showPreferences();
     // Writes or removes the autostart entry; a failure is said in the window and on stderr.
     void setStartAtLogin(bool start);
+    // Hides a section or a category from the timetable by its name, or shows it again.
+    void setHidden(bool category, const QString &name, bool hidden);
 
     TimetableWindow &window() { return m_window; }
     ViewController &controller() { return m_days->controller(); }
@@ -53,6 +56,8 @@ public:
 private:
     // The window is closed, or never opened, and the program goes on.
     void goneFromSight(const QString &summary, const QString &body);
+    // The settings changed: the timetable and the preferences show what they now say.
+    void followViewSettings();
 
     QTextStream &m_out;
     QTextStream &m_err;
@@ -64,7 +69,7 @@ private:
     TimetableWindow m_window;
     Tray m_tray;
     std::unique_ptr<DayLoader> m_days;
-    QPointer<QDialog> m_preferences;
+    QPointer<PreferencesDialog> m_preferences;
     bool m_goneFromSightSaid = false;
 };
 

@@ -18,7 +18,7 @@ PreferencesDialog::PreferencesDialog(ReminderChoices &choices, const Autostart &
     , m_choices(choices)
     , m_autostart(autostart)
 {
-    setWindowTitle(u"Reminder Preferences"_s);
+    setWindowTitle(u"Preferences"_s);
     auto *layout = new QVBoxLayout(this);
 
     auto *form = new QFormLayout;
@@ -41,6 +41,21 @@ PreferencesDialog::PreferencesDialog(ReminderChoices &choices, const Autostart &
     layout->addWidget(m_marked);
     layout->addWidget(hint);
 
+    auto *hiddenLabel = new QLabel(u"&Hidden from the timetable:"_s, this);
+    m_hidden = new QListWidget(this);
+    m_hidden->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    hiddenLabel->setBuddy(m_hidden);
+    m_showAgain = new QPushButton(u"Show &again"_s, this);
+    m_showAgain->setEnabled(false);
+    auto *hiddenHint = new QLabel(
+        u"Hide a section or a category from its menu (right click on a box or a name)."_s, this);
+    hiddenHint->setWordWrap(true);
+    hiddenHint->setForegroundRole(QPalette::PlaceholderText);
+    layout->addWidget(hiddenLabel);
+    layout->addWidget(m_hidden);
+    layout->addWidget(hiddenHint);
+    layout->addWidget(m_showAgain, 0, Qt::AlignRight);
+
     m_startAtLogin = new QCheckBox(u"&Start at login, without the window"_s, this);
     m_startAtLogin->setChecked(m_autostart.isEnabled());
     layout->addWidget(m_startAtLogin);
@@ -62,11 +77,34 @@ PreferencesDialog::PreferencesDialog(ReminderChoices &choices, const Autostart &
     connect(m_marked, &QListWidget::itemSelectionChanged, this,
             [this] { m_remove->setEnabled(!m_marked->selectedItems().isEmpty()); });
     connect(&m_choices, &ReminderChoices::changed, this, &PreferencesDialog::showChoices);
+    connect(m_hidden, &QListWidget::itemSelectionChanged, this,
+            [this] { m_showAgain->setEnabled(!m_hidden->selectedItems().isEmpty()); });
+    connect(m_showAgain, &QPushButton::clicked, this, [this] {
+        QList<std::pair<bool, QString>> shown;
+        for (const QListWidgetItem *item : m_hidden->selectedItems())
+            shown.append(
+                {item->data(Qt::UserRole).toBool(), item->data(Qt::UserRole + 1).toString()});
+        for (const auto &[category, name] : std::as_const(shown))
+            Q_EMIT showAgainRequested(category, name);
+    });
     connect(m_startAtLogin, &QCheckBox::clicked, this, [this](bool start) {
         Q_EMIT startAtLoginRequested(start);
         m_startAtLogin->setChecked(m_autostart.isEnabled());
     });
     showChoices();
+}
+
+void PreferencesDialog::setHidden(const QStringList &sections, const QStringList &categories)
+{
+    m_hidden->clear();
+    for (const auto &[category, names] : {std::pair{false, sections}, {true, categories}})
+        for (const QString &name : names) {
+            auto *item =
+                new QListWidgetItem((category ? u"Category: "_s : u"Section: "_s) + name, m_hidden);
+            item->setData(Qt::UserRole, category);
+            item->setData(Qt::UserRole + 1, name);
+        }
+    m_showAgain->setEnabled(false);
 }
 
 void PreferencesDialog::showEvent(QShowEvent *event)

@@ -11,7 +11,8 @@ namespace eventtimer {
 class Autostart;
 class ReminderChoices;
 
-// The reminder preferences: how many minutes ahead, the marked events, which can be removed
+// The preferences: how many minutes ahead reminders come, the marked events, which can be
+// removed here, the sections and categories hidden from the timetable, which can be shown again
 // here, and whether the program starts at login. Every change takes effect at once.
 class PreferencesDialog : public QDialog
 {
@@ -25,9 +26,15 @@ public:
     QListWidget *markedEvents() const { return m_marked; }
     QPushButton *removeButton() const { return m_remove; }
     QCheckBox *startAtLogin() const { return m_startAtLogin; }
+    QListWidget *hiddenList() const { return m_hidden; }
+    QPushButton *showAgainButton() const { return m_showAgain; }
+
+    // What the timetable hides now.
+    void setHidden(const QStringList &sections, const QStringList &categories);
 
 Q_SIGNALS:
     void startAtLoginRequested(bool start);
+    void showAgainRequested(bool category, const QString &name);
 
 protected:
     // The autostart file may have been changed by hand since the dialog was last open.
@@ -42,6 +49,8 @@ private:
     QListWidget *m_marked = nullptr;
     QPushButton *m_remove = nullptr;
     QCheckBox *m_startAtLogin = nullptr;
+    QListWidget *m_hidden = nullptr;
+    QPushButton *m_showAgain = nullptr;
 };
 
 } // namespace eventtimer

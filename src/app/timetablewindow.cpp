@@ -97,6 +97,13 @@ void TimetableWindow::addKeys()
     m_follow->setChecked(true);
     m_present = add(u"Go to the present"_s, {QKeySequence(Qt::Key_P)},
                     [this] { Q_EMIT presentRequested(); });
+    // Views of the day: what comes next as a list, and only the marked events.
+    m_nextUp = add(u"Next up"_s, {QKeySequence(Qt::Key_N)},
+                   [this](bool shown) { Q_EMIT nextUpToggled(shown); });
+    m_markedOnly = add(u"Only marked events"_s, {QKeySequence(Qt::Key_M)},
+                       [this](bool only) { Q_EMIT markedOnlyToggled(only); });
+    for (QAction *toggle : {m_nextUp, m_markedOnly})
+        toggle->setCheckable(true);
 }
 
 void TimetableWindow::restorePlace()

@@ -45,10 +45,18 @@ public:
         return topic == Topic::Day ? m_status : m_settingsStatus;
     }
 
-    // The window's actions for the whole view (follow the present, go to the present), for the
-    // menus that offer them too.
-    QList<QAction *> viewActions() const { return {m_follow, m_present}; }
-    void setFollowsPresent(bool follows) { m_follow->setChecked(follows); }
+    // The window's actions for the whole view (follow the present, go to the present, Next up,
+    // only marked events), for the menus that offer them too.
+    QList<QAction *> viewActions() const { return {m_follow, m_present, m_nextUp, m_markedOnly}; }
+    QAction *nextUpAction() const { return m_nextUp; }
+    QAction *markedOnlyAction() const { return m_markedOnly; }
+    // The toggles as the settings have them.
+    void showViewChoices(bool follows, bool nextUp, bool markedOnly)
+    {
+        m_follow->setChecked(follows);
+        m_nextUp->setChecked(nextUp);
+        m_markedOnly->setChecked(markedOnly);
+    }
 
     // Asked when the window is closed: true keeps the program running with the window hidden.
     void setHideOnClose(std::function<bool()> hideOnClose)
@@ -62,6 +70,9 @@ Q_SIGNALS:
     // F: every minute brings the axis back to the present, or not; P: back to it now.
     void followPresentToggled(bool follows);
     void presentRequested();
+    // N: the Next up list beside the axis, or not; M: only what is marked, or everything.
+    void nextUpToggled(bool shown);
+    void markedOnlyToggled(bool markedOnly);
     // Closed, and hidden instead of ending the program.
     void hiddenOnClose();
 
@@ -79,6 +90,8 @@ private:
     QLabel *m_settingsStatus = nullptr;
     QAction *m_follow = nullptr;
     QAction *m_present = nullptr;
+    QAction *m_nextUp = nullptr;
+    QAction *m_markedOnly = nullptr;
     std::function<bool()> m_hideOnClose;
 };
 

@@ -34,6 +34,7 @@ void Tray::setUp()
             m_window.bringToFront();
     });
     menu->addAction(u"Reload"_s, this, [this] { Q_EMIT reloadRequested(); });
+    menu->addActions({m_window.nextUpAction(), m_window.markedOnlyAction()});
     menu->addAction(u"Preferences\u2026"_s, this, [this] { Q_EMIT preferencesRequested(); });
     QAction *atLogin = menu->addAction(u"Start at login"_s);
     atLogin->setCheckable(true);

@@ -31,6 +31,12 @@ inline constexpr QStringView reminderLeadMinutes = u"reminders/lead_minutes";
 inline constexpr QStringView trayExplained = u"reminders/tray_explained";
 // Whether every minute brings the axis back to the present (true unless set to false).
 inline constexpr QStringView followPresent = u"view/follow_present";
+// What the timetable leaves out (names kept as they are), only sections with a marked event,
+// and the Next up list beside the axis.
+inline constexpr QStringView hiddenSections = u"view/hidden_sections";
+inline constexpr QStringView hiddenCategories = u"view/hidden_categories";
+inline constexpr QStringView markedOnly = u"view/marked_only";
+inline constexpr QStringView nextUp = u"view/next_up";
 } // namespace settingskeys
 
 // The settings a user may edit, as plain INI text: $XDG_CONFIG_HOME/tolmerkvarn/eventtimer.conf.

@@ -1,6 +1,7 @@
 #include "timetable/find.h"
 
 #include "model/event.h"
+#include "model/sequenceitem.h"
 
 #include <QHash>
 
@@ -20,24 +21,44 @@ QString foldedForFind(const QString &text)
     return folded.toCaseFolded();
 }
 
+namespace {
+
+// Whether an event's name or section holds the folded query; many boxes share an event, and
+// each event is asked once.
+class EventMatcher
+{
+public:
+    explicit EventMatcher(const QString &query)
+        : m_wanted(foldedForFind(query))
+    {}
+
+    bool isEmpty() const { return m_wanted.isEmpty(); }
+    bool matches(const Event &event)
+    {
+        auto answer = m_answers.constFind(&event);
+        if (answer == m_answers.cend())
+            answer = m_answers.insert(
+                &event, foldedForFind(event.name).contains(m_wanted) ||
+                            foldedForFind(event.section.value_or(QString())).contains(m_wanted));
+        return *answer;
+    }
+
+private:
+    QString m_wanted;
+    QHash<const Event *, bool> m_answers;
+};
+
+} // namespace
+
 QList<qsizetype> findMatches(const QList<EventBoxGeometry> &boxes, const QString &query)
 {
     QList<qsizetype> matches;
-    const QString wanted = foldedForFind(query);
-    if (wanted.isEmpty())
+    EventMatcher matcher(query);
+    if (matcher.isEmpty())
         return matches;
-    // Many boxes share an event: each is asked once.
-    QHash<const Event *, bool> answers;
-    for (qsizetype i = 0; i < boxes.size(); ++i) {
-        const Event &event = boxes.at(i).event();
-        auto answer = answers.constFind(&event);
-        if (answer == answers.cend())
-            answer = answers.insert(
-                &event, foldedForFind(event.name).contains(wanted) ||
-                            foldedForFind(event.section.value_or(QString())).contains(wanted));
-        if (*answer)
+    for (qsizetype i = 0; i < boxes.size(); ++i)
+        if (matcher.matches(boxes.at(i).event()))
             matches.append(i);
-    }
     std::stable_sort(matches.begin(), matches.end(), [&boxes](qsizetype a, qsizetype b) {
         const QRectF &first = boxes.at(a).rect;
         const QRectF &second = boxes.at(b).rect;
@@ -63,6 +84,18 @@ qsizetype stepMatch(qsizetype current, qsizetype count, bool forward)
     if (count <= 0)
         return 0;
     return ((current + (forward ? 1 : -1)) % count + count) % count;
+}
+
+qsizetype countMatches(const SectionList &sections, const QString &query)
+{
+    EventMatcher matcher(query);
+    qsizetype count = 0;
+    if (matcher.isEmpty())
+        return count;
+    for (const std::shared_ptr<Section> &section : sections)
+        for (const std::shared_ptr<SequenceItem> &item : section->sequence)
+            count += matcher.matches(*item->event) ? 1 : 0;
+    return count;
 }
 
 } // namespace eventtimer

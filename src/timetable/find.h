@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/section.h"
 #include "timetable/timetablelayout.h"
 
 #include <QList>
@@ -20,6 +21,9 @@ QList<qsizetype> findMatches(const QList<EventBoxGeometry> &boxes, const QString
 // first of all. An index into matches; absent without matches.
 std::optional<qsizetype> firstMatchFrom(const QList<EventBoxGeometry> &boxes,
                                         const QList<qsizetype> &matches, double x);
+
+// The occurrences of sections (the day's, hidden from view) that the query finds.
+qsizetype countMatches(const SectionList &sections, const QString &query);
 
 // The next or previous match, wrapping around the axis's ends.
 qsizetype stepMatch(qsizetype current, qsizetype count, bool forward);

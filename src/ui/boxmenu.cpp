@@ -70,12 +70,25 @@ QMenu *BoxMenu::menuFor(qsizetype box)
         menu->addAction(u"Reminder preferences\u2026"_s, this,
                         [this] { Q_EMIT preferencesRequested(); });
     }
+    menu->addSeparator();
+    const QString section = event->section.value_or(QString());
+    addHideActions(
+        menu, section, m_categories.value(section),
+        [this](bool category, const QString &name) { Q_EMIT hideRequested(category, name); });
     if (!m_viewActions.isEmpty())
         menu->addSeparator();
     for (QAction *action : std::as_const(m_viewActions))
         if (action)
             menu->addAction(action);
     return menu;
+}
+
+void addHideActions(QMenu *menu, const QString &section, const QString &category,
+                    const std::function<void(bool, const QString &)> &hide)
+{
+    if (!section.isEmpty())
+        menu->addAction(u"Hide this section"_s, menu, [hide, section] { hide(false, section); });
+    menu->addAction(u"Hide this category"_s, menu, [hide, category] { hide(true, category); });
 }
 
 } // namespace eventtimer

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QAction>
+#include <QHash>
 #include <QList>
 #include <QMenu>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+
+#include <functional>
 
 namespace eventtimer {
 
@@ -13,14 +16,16 @@ class ReminderChoices;
 class TimelineWidget;
 
 // The menu of an event's box: copy its chat link or its name, open its wiki page, set or
-// remove its event's reminder, the reminder preferences; then what the window offers for the
-// whole view (following the present).
+// remove its event's reminder, the reminder preferences, hide its section or its category; then
+// what the window offers for the whole view (following the present, Next up, only marked).
 class BoxMenu : public QObject
 {
     Q_OBJECT
 
 Q_SIGNALS:
     void preferencesRequested();
+    // "Hide this section", "Hide this category": the name of the one to hide.
+    void hideRequested(bool category, const QString &name);
 
 public:
     explicit BoxMenu(QObject *parent = nullptr);
@@ -34,6 +39,12 @@ public:
     // The window's actions for the whole view, at the end of every box's menu.
     void setViewActions(const QList<QAction *> &actions);
 
+    // Each section's category, by the section's name, for "Hide this category".
+    void setCategories(QHash<QString, QString> categoryOfSection)
+    {
+        m_categories = std::move(categoryOfSection);
+    }
+
     // The timeline whose boxes have the menu (a right click, the menu key), and the widget its
     // menus belong to.
     void attach(TimelineWidget *timeline, QWidget *parent);
@@ -46,7 +57,13 @@ private:
     QPointer<QWidget> m_parent;
     QPointer<ReminderChoices> m_choices;
     QString m_wikiPageUrl;
+    QHash<QString, QString> m_categories;
     QList<QPointer<QAction>> m_viewActions;
 };
+
+// "Hide this section" (where there is one) and "Hide this category" at the end of menu; hide
+// is called with whether a category is to be hidden, and its name.
+void addHideActions(QMenu *menu, const QString &section, const QString &category,
+                    const std::function<void(bool, const QString &)> &hide);
 
 } // namespace eventtimer

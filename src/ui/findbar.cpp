@@ -38,13 +38,16 @@ FindBar::FindBar(QWidget *parent)
     connect(m_close, &QToolButton::clicked, this, &FindBar::closeRequested);
 }
 
-void FindBar::showCount(qsizetype current, qsizetype total)
+void FindBar::showCount(qsizetype current, qsizetype total, qsizetype hidden)
 {
     QString text;
     if (total > 0)
         text = QString::number(current + 1) + u" of "_s + QString::number(total);
     else if (!m_field->text().isEmpty())
         text = u"No match"_s;
+    // Find searches what is shown, and says what it passed over.
+    if (hidden > 0)
+        text += (total > 0 ? u", "_s : u" shown, "_s) + QString::number(hidden) + u" hidden"_s;
     if (text == m_count->text())
         return;
     m_count->setText(text);

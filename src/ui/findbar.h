@@ -20,8 +20,9 @@ public:
     QLineEdit *field() const { return m_field; }
     QLabel *count() const { return m_count; }
 
-    // "3 of 12", "No match", or nothing without a query; screen readers are told.
-    void showCount(qsizetype current, qsizetype total);
+    // "3 of 12", "No match", or nothing without a query, and what hidden sections hold ("3 of
+    // 12, 2 hidden", "No match shown, 2 hidden"); screen readers are told.
+    void showCount(qsizetype current, qsizetype total, qsizetype hidden = 0);
 
 Q_SIGNALS:
     void queryChanged(const QString &query);

@@ -52,6 +52,7 @@ void FindController::queryChanged(const QString &query)
 {
     const QList<EventBoxGeometry> &boxes = m_timeline->boxes();
     m_matches = findMatches(boxes, query);
+    m_hiddenMatches = countMatches(m_hidden, query);
     m_current = firstMatchFrom(boxes, m_matches, m_timeline->markerX().value_or(0.0));
     show();
 }
@@ -74,7 +75,7 @@ void FindController::show()
     const std::optional<qsizetype> box =
         m_current ? std::optional(m_matches.at(*m_current)) : std::nullopt;
     m_timeline->setFindState(finding ? std::optional(m_matches) : std::nullopt, box);
-    m_findBar->showCount(m_current.value_or(0), m_matches.size());
+    m_findBar->showCount(m_current.value_or(0), m_matches.size(), m_hiddenMatches);
     // The found box is the current one: the keys act on it once find is closed.
     if (box)
         m_timeline->setCurrentBox(*box);

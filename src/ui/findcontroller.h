@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/section.h"
 #include "ui/findbar.h"
 
 #include <QList>
@@ -29,6 +30,9 @@ public:
     FindController(QWidget *view, TimelineWidget *timeline, QScrollArea *sideways,
                    QScrollArea *upright, QObject *parent = nullptr);
 
+    // The day's sections the view does not show: find counts its matches there, to say so.
+    void setHidden(const SectionList &hidden) { m_hidden = hidden; }
+
     // Absent until find is first opened.
     FindBar *findBar() const { return m_findBar; }
 
@@ -45,6 +49,8 @@ private:
     QScrollArea *m_sideways;
     QScrollArea *m_upright;
     QPointer<FindBar> m_findBar;
+    SectionList m_hidden;
+    qsizetype m_hiddenMatches = 0;
     QList<qsizetype> m_matches;
     std::optional<qsizetype> m_current;
     std::optional<QPoint> m_scrollBeforeFind;

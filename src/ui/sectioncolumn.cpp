@@ -1,6 +1,7 @@
 #include "ui/sectioncolumn.h"
 
 #include "timetable/layoutconstants.h"
+#include "ui/boxmenu.h"
 #include "ui/categorybox.h"
 
 #include <algorithm>
@@ -52,6 +53,7 @@ void SectionColumn::build(const TimetableGeometry &geometry)
     for (const CategoryBoxGeometry &box : std::as_const(m_boxGeometry)) {
         auto *widget = new CategoryBox(box.title, this);
         m_categories.insert(box.title, widget);
+        offerMenu(widget, QString(), box.title);
         widget->show(); // the column may already be on screen
     }
     for (const SectionLabelGeometry &label : std::as_const(m_labelGeometry)) {
@@ -60,6 +62,7 @@ void SectionColumn::build(const TimetableGeometry &geometry)
         widget->setText(label.text);
         widget->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         widget->setToolTip(label.text.toHtmlEscaped());
+        offerMenu(widget, label.text, m_boxGeometry.at(label.categoryBox).title);
         widget->show();
         m_labels.append(widget);
     }
@@ -83,6 +86,21 @@ void SectionColumn::place()
         m_labels.at(i)->setGeometry(
             label.rect(columnWidth).translated(-box.topLeft()).toAlignedRect());
     }
+}
+
+void SectionColumn::offerMenu(QWidget *widget, const QString &section, const QString &category)
+{
+    widget->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(widget, &QWidget::customContextMenuRequested, this,
+            [this, widget, section, category](QPoint at) {
+                auto *menu = new QMenu(widget);
+                menu->setAttribute(Qt::WA_DeleteOnClose);
+                addHideActions(menu, section, category,
+                               [this](bool isCategory, const QString &name) {
+                                   Q_EMIT hideRequested(isCategory, name);
+                               });
+                menu->popup(widget->mapToGlobal(at));
+            });
 }
 
 } // namespace eventtimer

@@ -12,7 +12,8 @@ namespace eventtimer {
 
 // The column beside the time axis: one titled box per category holding the right-aligned
 // names of its sections, a row each. Boxes and labels are real widgets (a few dozen at most),
-// placed by the layout's numbers and again whenever the column's width changes.
+// placed by the layout's numbers and again whenever the column's width changes. A label's menu
+// hides its section or its category, a category title's menu the category.
 class SectionColumn : public QWidget
 {
     Q_OBJECT
@@ -29,6 +30,10 @@ public:
 
     const QHash<QString, QGroupBox *> &categories() const { return m_categories; }
 
+Q_SIGNALS:
+    // From a label's menu (right click, the menu key): hide its section, or its category.
+    void hideRequested(bool category, const QString &name);
+
 protected:
     void resizeEvent(QResizeEvent *event) override;
 
@@ -36,6 +41,7 @@ private:
     QSize labelSize(const QString &name) const;
     int widthFor(const TimetableGeometry &geometry) const;
     void place();
+    void offerMenu(QWidget *widget, const QString &section, const QString &category);
 
     mutable QHash<QString, QSize> m_labelSizes;
     QHash<QString, QGroupBox *> m_categories;

@@ -29,6 +29,7 @@ ViewController::ViewController(Clock &clock, QObject *parent)
 {
     m_timeLabel->setTextFormat(Qt::PlainText);
     connect(m_boxMenu, &BoxMenu::preferencesRequested, this, &ViewController::preferencesRequested);
+    connect(m_boxMenu, &BoxMenu::hideRequested, this, &ViewController::hideRequested);
 }
 
 ViewController::~ViewController()
@@ -63,13 +64,27 @@ void ViewController::loadView()
     rulerLayout->addWidget(m_rulerIndent);
     rulerLayout->addWidget(m_hourRuler, 1);
     m_rulerRow->hide();
-    layout->addWidget(m_rulerRow);
 
     m_verticalScroll = new QScrollArea(m_view);
     m_verticalScroll->setWidgetResizable(true);
     m_verticalScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_verticalScroll->setFrameShape(QFrame::NoFrame);
-    layout->addWidget(m_verticalScroll);
+
+    // The axis with its ruler, and beside it Next up while it is asked for.
+    m_body = new QSplitter(m_view);
+    auto *axis = new QWidget(m_body);
+    auto *axisLayout = new QVBoxLayout(axis);
+    axisLayout->setContentsMargins(0, 0, 0, 0);
+    axisLayout->addWidget(m_rulerRow);
+    axisLayout->addWidget(m_verticalScroll);
+    m_nextUp = new NextUpList(m_clock, m_body);
+    m_nextUp->hide();
+    connect(m_nextUp, &NextUpList::copyRequested, this, &ViewController::copyChatLink);
+    m_body->addWidget(axis);
+    m_body->addWidget(m_nextUp);
+    m_body->setStretchFactor(0, 1);
+    m_body->setChildrenCollapsible(false);
+    layout->addWidget(m_body, 1);
 
     // The section column and the time axis sit side by side with level tops, so every row
     // lines up with its label.
@@ -111,7 +126,7 @@ void ViewController::loadView()
 void ViewController::viewDidLoad()
 {
     view();
-    m_verticalScroll->hide();
+    m_body->hide();
     m_statusMessage->setAlignment(Qt::AlignCenter);
     m_statusMessage->setText(u"Loading the events\u2026"_s);
     m_statusMessage->show();
@@ -135,6 +150,13 @@ void ViewController::loadDidFinish(const SectionList &sections, const SectionLis
     m_statusMessage->setText(problem);
     if (m_appeared && !m_built)
         buildTimetable();
+}
+
+void ViewController::setNextUp(bool shown, bool markedOnly)
+{
+    view();
+    m_nextUp->setMarkedOnly(markedOnly);
+    m_nextUp->setVisible(shown);
 }
 
 void ViewController::viewDidAppear()
@@ -198,6 +220,7 @@ void ViewController::layOutSections()
 void ViewController::buildSectionColumn()
 {
     m_sectionsView->build(m_geometry);
+    connect(m_sectionsView, &SectionColumn::hideRequested, this, &ViewController::hideRequested);
     // The ruler's hours start where the time axis does.
     m_rulerIndent->setFixedWidth(m_sectionsView->width());
 }
@@ -205,6 +228,7 @@ void ViewController::buildSectionColumn()
 void ViewController::buildTimeline()
 {
     m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
+    m_nextUp->setDay(m_geometry.eventBoxes, m_sections);
     // The ruler's marks, made once with the boxes: each reads the axis as the boxes' texts do.
     const QList<RulerMark> marks = rulerMarks(m_clock.zone(), m_builtAt, m_geometry.axisWidth());
     m_horizontalScrollContent->setHourMarks(marks);
@@ -216,11 +240,17 @@ void ViewController::buildTimeline()
     connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
             &ViewController::copyToClipboardWithSender);
     new BoxReveal(m_horizontalScrollContent, m_horizontalScroll, m_verticalScroll, this);
+    QHash<QString, QString> categories;
+    for (const std::shared_ptr<Section> &section : std::as_const(m_sections))
+        categories.insert(section->name, section->category);
+    m_boxMenu->setCategories(categories);
     m_boxMenu->attach(m_horizontalScrollContent, m_view);
     m_marks->setTimeline(m_horizontalScrollContent);
-    if (!m_sections.isEmpty())
+    if (!m_sections.isEmpty()) {
         m_find = new FindController(m_view, m_horizontalScrollContent, m_horizontalScroll,
                                     m_verticalScroll, this);
+        m_find->setHidden(m_hidden);
+    }
 }
 
 void ViewController::sizeContents()
@@ -241,8 +271,10 @@ void ViewController::sizeContents()
     m_verticalScroll->verticalScrollBar()->setValue(0);
 
     const bool empty = m_sections.isEmpty();
-    m_verticalScroll->setVisible(!empty);
+    m_body->setVisible(!empty);
     m_rulerRow->setVisible(!empty);
+    if (!m_emptyText.isEmpty())
+        m_emptyMessage->setText(m_emptyText);
     m_emptyMessage->setVisible(empty);
     m_statusMessage->setVisible(empty && !m_statusMessage->text().isEmpty());
 }
@@ -259,6 +291,7 @@ void ViewController::updateCurrentTime()
     }
     m_timeLabel->setText(timebase::clockText(now, m_clock.zone()));
     m_timeLabel->adjustSize();
+    m_nextUp->refresh();
     if (m_followsPresent)
         scrollToPresent();
 }

@@ -6,6 +6,7 @@
 #include "ui/clipboardmessage.h"
 #include "ui/findcontroller.h"
 #include "ui/hourrulerwidget.h"
+#include "ui/nextuplist.h"
 #include "ui/remindermarks.h"
 #include "ui/scroll/horizontalscroll.h"
 #include "ui/sectioncolumn.h"
@@ -17,6 +18,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QScrollArea>
+#include <QSplitter>
 
 #include <chrono>
 #include <optional>
@@ -42,6 +44,8 @@ Q_SIGNALS:
     void timetableBuilt();
     // The player asked for the reminder preferences.
     void preferencesRequested();
+    // The player asked to hide a section, or a category, by its name.
+    void hideRequested(bool category, const QString &name);
 
 public:
     static constexpr std::chrono::milliseconds timeUpdateInterval{60000};
@@ -61,6 +65,13 @@ public:
     // there are none, when there are none. The timetable is built now if the view has appeared.
     void loadDidFinish(const SectionList &sections, const SectionList &followingDay = {},
                        const QString &problem = {});
+    // What the empty timetable says when sections were loaded but the player's choices hide
+    // them all; set before loadDidFinish. "No events could be loaded." without one.
+    void setEmptyText(const QString &text) { m_emptyText = text; }
+    // The sections the player's choices hide: find says how many of its matches they hold.
+    void setHiddenSections(const SectionList &hidden) { m_hidden = hidden; }
+    // Next up beside the axis (shown or not), with only the marked events or all.
+    void setNextUp(bool shown, bool markedOnly);
     // When the view is shown (its QEvent::Show): builds the timetable if the sections are in;
     // later appearances change nothing.
     void viewDidAppear();
@@ -92,6 +103,8 @@ public:
     {
         m_boxMenu->setReminderChoices(choices);
         m_marks->setChoices(choices);
+        view(); // the list is made with the view
+        m_nextUp->setChoices(choices);
     }
     // The settings' wiki address template ("https://…/{page}"): the box menu then opens an
     // event's wiki page.
@@ -103,6 +116,7 @@ public:
     // timetable.
     FindBar *findBar() const { return m_find ? m_find->findBar() : nullptr; }
     HourRulerWidget *hourRuler() const { return m_hourRuler; }
+    NextUpList *nextUp() const { return m_nextUp; }
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
     QWidget *verticalScrollContent() const { return m_verticalScrollContent; }
@@ -150,9 +164,13 @@ private:
     QPointer<QWidget> m_rulerIndent;
     QPointer<HourRulerWidget> m_hourRuler;
     QPointer<FindController> m_find;
+    QPointer<QSplitter> m_body;
+    QPointer<NextUpList> m_nextUp;
 
     SectionList m_sections;
     SectionList m_followingDay;
+    SectionList m_hidden;
+    QString m_emptyText;
     std::optional<double> m_timeConstraint;
     QPointer<QLabel> m_timeLabel;
     TimetableGeometry m_geometry;

@@ -187,6 +187,53 @@ private Q_SLOTS:
         QCOMPARE(program.window().statusLine()->isVisible(), !line.isEmpty());
     }
 
+    // Hiding is a view: whatever the timetable leaves out, the shared suite is the same byte
+    // for byte and the reminders plan the same, and the empty timetable says what hides it.
+    void hidingIsOnlyAView()
+    {
+        const QDateTime now(QDate(2026, 11, 22), QTime(12, 0), QTimeZone::utc());
+        prepare(-1, "A", now);
+        QByteArray plainSuite;
+        QString plainReminder;
+        for (const auto &[key, value, empty] :
+             {std::tuple{settingskeys::hiddenSections, QVariant(), QString()},
+              {settingskeys::hiddenSections, QVariant(u"S"_s), u"Every section is hidden"_s},
+              {settingskeys::hiddenCategories, QVariant(u"C"_s), u"Every section is hidden"_s},
+              {settingskeys::markedOnly, QVariant(true), u"No section holds a marked event"_s}}) {
+            QFile::remove(suitekeys::suitePath());
+            QSettings file(SettingsStore::standardPath(), QSettings::IniFormat);
+            for (QStringView view : {settingskeys::hiddenSections, settingskeys::hiddenCategories,
+                                     settingskeys::markedOnly})
+                file.remove(view.toString());
+            if (value.isValid())
+                file.setValue(key.toString(), value);
+            file.setValue(settingskeys::reminderEvents.toString(), u"B"_s);
+            file.sync();
+            ManualClock clock(now, QTimeZone::utc());
+            EventTimer program(clock, m_output, m_errors);
+            program.show();
+            QTRY_VERIFY(program.controller().isBuilt());
+            QTRY_VERIFY(QFile::exists(suitekeys::suitePath()));
+            QCOMPARE(program.controller().emptyMessage()->isVisible(), !empty.isEmpty());
+            QVERIFY(program.controller().emptyMessage()->text().startsWith(
+                empty.isEmpty() ? u"No events"_s : empty));
+            // A mark on the shown event: the reminders plan it whatever is hidden.
+            program.reminders().choices().setMarked(u"A"_s, true);
+            QFile suite(suitekeys::suitePath());
+            QVERIFY(suite.open(QIODevice::ReadOnly));
+            const std::optional<Reminder> next = program.reminders().scheduler().next();
+            QVERIFY(next);
+            const QString reminder = next->summary() + u' ' + next->due.toString(Qt::ISODate);
+            if (!value.isValid()) {
+                plainSuite = suite.readAll();
+                plainReminder = reminder;
+                continue;
+            }
+            QCOMPARE(suite.readAll(), plainSuite);
+            QCOMPARE(reminder, plainReminder);
+        }
+    }
+
     // Started at 23:58 local time with A (every hour) marked one minute ahead: a reminder comes
     // at 23:59, and at the local midnight, not the UTC one, the new day's timetable takes the
     // place, with its first occurrence at that midnight.

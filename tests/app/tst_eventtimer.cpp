@@ -6,6 +6,7 @@
 #include "manualclock.h"
 #include "ui/viewcontroller.h"
 
+#include <QClipboard>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QSaveFile>
@@ -53,6 +54,9 @@ private:
     QString m_errors;
     QTextStream m_out{&m_output};
     QTextStream m_err{&m_errors};
+    const QByteArray m_oneSection =
+        R"([{"category": "C", "name": "S", "segments": {"0": {"name": "A"}},
+            "sequences": {"partial": [], "pattern": [{"d": 60, "r": 0}]}}])";
 
 private Q_SLOTS:
     void initTestCase()
@@ -60,8 +64,7 @@ private Q_SLOTS:
         for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
             qputenv(variable, m_home.filePath(QString::fromLatin1(variable)).toUtf8());
         QVERIFY(m_service.listen());
-        m_service.setDocument(R"([{"category": "C", "name": "S", "segments": {"0": {"name": "A"}},
-            "sequences": {"partial": [], "pattern": [{"d": 60, "r": 0}]}}])");
+        m_service.setDocument(m_oneSection);
         QSettings(SettingsStore::standardPath(), QSettings::IniFormat)
             .setValue(settingskeys::serviceUrl.toString(), m_service.baseUrl().toString());
     }
@@ -240,6 +243,65 @@ private Q_SLOTS:
         file.setValue(settingskeys::serviceUrl.toString(), base);
         file.remove(u"reminders"_s);
         file.remove(u"view"_s);
+    }
+
+    // The player's views of the day, kept across a start: Next up, copied from by keyboard; a
+    // hidden section, shown again from the preferences; only marked.
+    void viewsOfTheDay()
+    {
+        m_service.setDocument(R"([
+            {"category": "C", "name": "S", "segments": {"0": {"name": "A", "chatlink": "[&A]"}},
+             "sequences": {"partial": [], "pattern": [{"d": 60, "r": 0}]}},
+            {"category": "D", "name": "T", "segments": {"0": {"name": "B", "chatlink": "[&B]"}},
+             "sequences": {"partial": [], "pattern": [{"d": 30, "r": 0}]}}])");
+        QDir(CacheFolder::standardPath()).removeRecursively(); // the week's copy is of another
+        const auto names = [](EventTimer &program) {
+            QSet<QString> shown;
+            for (const EventBoxGeometry &box :
+                 program.controller().horizontalScrollContent()->boxes())
+                shown.insert(box.event().name);
+            return QStringList(shown.cbegin(), shown.cend());
+        };
+        {
+            EventTimer program(m_clock, m_out, m_err);
+            program.show();
+            QTRY_VERIFY(program.controller().isBuilt());
+            QTest::keyClick(&program.window(), Qt::Key_N);
+            NextUpList *list = program.controller().nextUp();
+            QTRY_VERIFY(list->isVisible());
+            QStringList rows;
+            for (int i = 0; i < 3; ++i)
+                rows.append(list->topLevelItem(i)->text(NextUpList::Start) + u' ' +
+                            list->topLevelItem(i)->text(NextUpList::Soon) + u' ' +
+                            list->topLevelItem(i)->text(NextUpList::Name));
+            QCOMPARE(rows,
+                     (QStringList{u"12:00 now A"_s, u"12:00 now B"_s, u"12:30 in 30 min B"_s}));
+            list->setFocus();
+            QTest::keyClick(list, Qt::Key_Down);
+            QTest::keyClick(list, Qt::Key_Return);
+            QCOMPARE(QGuiApplication::clipboard()->text(), u"[&B]"_s);
+
+            program.setHidden(false, u"S"_s, true);
+            QTRY_COMPARE(names(program), QStringList{u"B"_s});
+            QTest::keyClick(&program.window(), Qt::Key_M);
+            QTRY_VERIFY(program.controller().emptyMessage()->isVisible());
+            QTest::keyClick(&program.window(), Qt::Key_M);
+        }
+        EventTimer again(m_clock, m_out, m_err);
+        again.show();
+        QTRY_VERIFY(again.controller().isBuilt());
+        QCOMPARE(names(again), QStringList{u"B"_s});
+        QVERIFY(again.controller().nextUp()->isVisibleTo(again.controller().view()));
+        again.showPreferences();
+        auto *preferences = again.window().findChild<PreferencesDialog *>();
+        QCOMPARE(preferences->hiddenList()->item(0)->text(), u"Section: S"_s);
+        preferences->hiddenList()->item(0)->setSelected(true);
+        preferences->showAgainButton()->click();
+        QTRY_COMPARE(names(again).size(), 2);
+        QCOMPARE(preferences->hiddenList()->count(), 0);
+        QSettings(SettingsStore::standardPath(), QSettings::IniFormat).remove(u"view"_s);
+        m_service.setDocument(m_oneSection);
+        QDir(CacheFolder::standardPath()).removeRecursively();
     }
 
     // Closed while events are marked, it goes on reminding, hidden, and says once how to get

@@ -1,9 +1,12 @@
 #include "model/scheduleday.h"
+#include "model/soontext.h"
+#include "model/viewchoices.h"
 #include "model/wikipage.h"
 #include "smallday.h"
 #include "timetable/boxtexts.h"
 #include "timetable/find.h"
 #include "timetable/hourruler.h"
+#include "timetable/nextup.h"
 #include "timetable/revealscroll.h"
 #include "timetable/timelinenavigation.h"
 
@@ -137,6 +140,91 @@ private Q_SLOTS:
             current = stepMatch(*current, matches.size(), true);
         }
         QTEST(got, "walk");
+    }
+
+    // Next up: from the present on by start, ties in the document's order of sections, the
+    // next day's first hours after the day's end, counted down as the panel feed counts.
+    void nextUpOrdersAndCountsDown_data()
+    {
+        QTest::addColumn<QTime>("now");
+        QTest::addColumn<QStringList>("marked"); // only these, when given
+        QTest::addColumn<QStringList>("rows");   // the first few
+        QTest::newRow("running boxes first, a tie in the document's order")
+            << QTime(10, 0) << QStringList()
+            << QStringList{u"Watch 00:30 now"_s, u"Market 10:00 now"_s, u"Night 10:00 now"_s,
+                           u"Storm 10:30 in 30 min"_s, u"Siege 12:00 in 2 h 0 min"_s};
+        QTest::newRow("a part of a minute is a whole one; a box ending now is gone")
+            << QTime(9, 59, 30) << QStringList()
+            << QStringList{u"Watch 00:30 now"_s, u"Hunt 08:00 now"_s, u"Tide 09:00 now"_s,
+                           u"Market 10:00 in 1 min"_s, u"Night 10:00 in 1 min"_s};
+        QTest::newRow("the day's end, then the next day's hours")
+            << QTime(23, 50) << QStringList()
+            << QStringList{u"Watch 12:30 now"_s, u"Siege 00:00 in 10 min"_s};
+        QTest::newRow("only marked")
+            << QTime(10, 0) << QStringList{u"Storm"_s, u"Siege"_s}
+            << QStringList{u"Storm 10:30 in 30 min"_s, u"Siege 12:00 in 2 h 0 min"_s,
+                           u"Siege 00:00 in 14 h 0 min"_s};
+    }
+
+    void nextUpOrdersAndCountsDown()
+    {
+        QFETCH(QTime, now);
+        QFETCH(QStringList, marked);
+        const SectionList sections = SmallDay::sections();
+        const double tomorrow =
+            SmallDay::now().date().addDays(1).startOfDay(QTimeZone::utc()).toSecsSinceEpoch();
+        const QList<EventBoxGeometry> day =
+            TimetableLayout::build(
+                sections, QTimeZone::utc(), SmallDay::now(), [](const QString &) { return 17.0; },
+                {makeSection(u"Raids"_s, u"Keep"_s, tomorrow, {{u"Siege"_s, 0, 30}})})
+                .eventBoxes;
+        const QSet<QString> only(marked.cbegin(), marked.cend());
+        QStringList got;
+        for (const NextUpRow &row :
+             nextUp(day, sections, QDateTime(SmallDay::now().date(), now, QTimeZone::utc()),
+                    marked.isEmpty() ? nullptr : &only))
+            got.append(labelOf(day.at(row.box)) + u' ' + soonText(row.secondsAhead));
+        QTEST(got.mid(0, 5), "rows");
+    }
+
+    // What the player hides takes no row, and find counts what it holds; names that no longer
+    // exist (a section renamed next week) hide nothing and are kept.
+    void hidingLeavesRows_data()
+    {
+        QTest::addColumn<QStringList>("sections");
+        QTest::addColumn<QStringList>("categories");
+        QTest::addColumn<QStringList>("markedOnly"); // the marks, when only marked is on
+        QTest::addColumn<QStringList>("rows");
+        QTest::addColumn<int>("hiddenMatches"); // of find's "i"
+        const QStringList all{u"Harbour"_s, u"Forest"_s, u"Vault"_s, u"Keep"_s};
+        QTest::newRow("nothing") << QStringList() << QStringList() << QStringList() << all << 0;
+        QTest::newRow("a section") << QStringList{u"Forest"_s} << QStringList() << QStringList()
+                                   << QStringList{u"Harbour"_s, u"Vault"_s, u"Keep"_s} << 1;
+        QTest::newRow("a category, and an unknown name")
+            << QStringList{u"Old Forest"_s} << QStringList{u"Raids"_s} << QStringList()
+            << QStringList{u"Harbour"_s, u"Forest"_s} << 2;
+        QTest::newRow("everything")
+            << QStringList{u"Harbour"_s, u"Forest"_s} << QStringList{u"Raids"_s} << QStringList()
+            << QStringList() << 4;
+        QTest::newRow("only marked") << QStringList() << QStringList() << QStringList{u"Siege"_s}
+                                     << QStringList{u"Keep"_s} << 2;
+        QTest::newRow("only marked, none marked")
+            << QStringList() << QStringList() << QStringList{QString()} << QStringList() << 4;
+    }
+
+    void hidingLeavesRows()
+    {
+        QFETCH(QStringList, sections);
+        QFETCH(QStringList, categories);
+        QFETCH(QStringList, markedOnly);
+        const ViewChoices choices{sections, categories, !markedOnly.isEmpty()};
+        const QSet<QString> marked(markedOnly.cbegin(), markedOnly.cend());
+        QStringList rows;
+        for (const auto &section : choices.shown(SmallDay::sections(), marked))
+            rows.append(section->name);
+        QTEST(rows, "rows");
+        QTEST(static_cast<int>(countMatches(choices.hidden(SmallDay::sections(), marked), u"i"_s)),
+              "hiddenMatches");
     }
 
     // The focus ring from box to box: see TimelineNavigation.

@@ -12,6 +12,7 @@
 #include <QDesktopServices>
 #include <QMimeData>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -377,7 +378,11 @@ private Q_SLOTS:
                          (action->isChecked() ? u" (on)"_s : u""_s));
         QCOMPARE(items, (QStringList{u"Copy chat link (off)"_s, u"Copy name"_s, u"Open wiki page"_s,
                                      QString(), u"Remind me of Market (on)"_s,
-                                     u"Reminder preferences\u2026"_s}));
+                                     u"Reminder preferences\u2026"_s, QString(),
+                                     u"Hide this section"_s, u"Hide this category"_s}));
+        QSignalSpy hide(&window.controller(), &ViewController::hideRequested);
+        menu->actions().at(8)->trigger();
+        QCOMPARE(hide.value(0), (QVariantList{true, u"World"_s}));
         UrlCatcher browser;
         QDesktopServices::setUrlHandler(u"https"_s, &browser, "open");
         menu->actions().at(2)->trigger();
