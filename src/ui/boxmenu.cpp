@@ -28,6 +28,13 @@ void BoxMenu::setViewActions(const QList<QAction *> &actions)
     m_viewActions = QList<QPointer<QAction>>(actions.cbegin(), actions.cend());
 }
 
+void BoxMenu::setSections(const SectionList &sections)
+{
+    m_categories.clear();
+    for (const std::shared_ptr<Section> &section : sections)
+        m_categories.insert(section->name, section->category);
+}
+
 void BoxMenu::attach(TimelineWidget *timeline, QWidget *parent)
 {
     m_timeline = timeline;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/section.h"
+
 #include <QAction>
 #include <QHash>
 #include <QList>
@@ -39,11 +41,8 @@ public:
     // The window's actions for the whole view, at the end of every box's menu.
     void setViewActions(const QList<QAction *> &actions);
 
-    // Each section's category, by the section's name, for "Hide this category".
-    void setCategories(QHash<QString, QString> categoryOfSection)
-    {
-        m_categories = std::move(categoryOfSection);
-    }
+    // The timetable's sections: the category of a box's section, for "Hide this category".
+    void setSections(const SectionList &sections);
 
     // The timeline whose boxes have the menu (a right click, the menu key), and the widget its
     // menus belong to.

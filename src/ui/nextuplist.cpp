@@ -32,16 +32,16 @@ public:
         QStyledItemDelegate::paint(painter, option, QModelIndex());
         if (index.data(linkRole).isNull())
             return;
-        QStyleOptionButton button;
+        // As a box's copy button looks, light on any theme.
         const int side = std::min(option.rect.height(), option.rect.width()) - 2;
-        button.rect = QRect(0, 0, side, side);
-        button.rect.moveCenter(option.rect.center());
-        button.state = QStyle::State_Enabled | QStyle::State_Raised;
-        const QWidget *widget = option.widget;
-        widget->style()->drawControl(QStyle::CE_PushButtonBevel, &button, painter, widget);
+        QRectF button(0, 0, side, side);
+        button.moveCenter(QRectF(option.rect).center());
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
-        drawCopyGlyph(*painter, button.rect);
+        painter->setPen(QPen(QColor(0, 0, 0, 120), 1.0));
+        painter->setBrush(QColor(255, 255, 255, 220));
+        painter->drawRoundedRect(button.adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+        drawCopyGlyph(*painter, button);
         painter->restore();
     }
 };

@@ -25,9 +25,8 @@ ViewController::ViewController(Clock &clock, QObject *parent)
     , m_clock(clock)
     , m_boxMenu(new BoxMenu(this))
     , m_marks(new ReminderMarks(this))
-    , m_timeLabel(new QLabel)
+    , m_timeLabel(new ClockLabel)
 {
-    m_timeLabel->setTextFormat(Qt::PlainText);
     connect(m_boxMenu, &BoxMenu::preferencesRequested, this, &ViewController::preferencesRequested);
     connect(m_boxMenu, &BoxMenu::hideRequested, this, &ViewController::hideRequested);
 }
@@ -156,7 +155,17 @@ void ViewController::setNextUp(bool shown, bool markedOnly)
 {
     view();
     m_nextUp->setMarkedOnly(markedOnly);
+    if (shown == m_nextUp->isVisibleTo(m_view))
+        return;
     m_nextUp->setVisible(shown);
+    if (!m_built)
+        return;
+    // Asked for now: the keys go to the list, and back to the axis when it goes.
+    (shown ? static_cast<QWidget *>(m_nextUp) : m_horizontalScrollContent)
+        ->setFocus(Qt::OtherFocusReason);
+    // The axis is narrower or wider now: the present goes back to its place once it is laid out.
+    if (m_followsPresent)
+        QMetaObject::invokeMethod(this, &ViewController::scrollToPresent, Qt::QueuedConnection);
 }
 
 void ViewController::viewDidAppear()
@@ -193,14 +202,7 @@ void ViewController::setUpClipboardMessage()
 
 void ViewController::setUpClock()
 {
-    // The clock label stands beside the marker, near the top of the time axis; the marker
-    // itself is painted by the timeline.
     m_timeLabel->setParent(m_horizontalScrollContent);
-    m_timeLabel->setAutoFillBackground(true);
-    QPalette palette = m_timeLabel->palette();
-    palette.setColor(QPalette::Window, Qt::red);
-    palette.setColor(QPalette::WindowText, Qt::white);
-    m_timeLabel->setPalette(palette);
     m_timeLabel->show();
 }
 
@@ -240,10 +242,7 @@ void ViewController::buildTimeline()
     connect(m_horizontalScrollContent, &TimelineWidget::copyRequested, this,
             &ViewController::copyToClipboardWithSender);
     new BoxReveal(m_horizontalScrollContent, m_horizontalScroll, m_verticalScroll, this);
-    QHash<QString, QString> categories;
-    for (const std::shared_ptr<Section> &section : std::as_const(m_sections))
-        categories.insert(section->name, section->category);
-    m_boxMenu->setCategories(categories);
+    m_boxMenu->setSections(m_sections);
     m_boxMenu->attach(m_horizontalScrollContent, m_view);
     m_marks->setTimeline(m_horizontalScrollContent);
     if (!m_sections.isEmpty()) {
@@ -286,11 +285,9 @@ void ViewController::updateCurrentTime()
     m_timeConstraint = x;
     if (m_horizontalScrollContent) {
         m_horizontalScrollContent->setMarkerX(x);
-        m_timeLabel->move(static_cast<int>(x + 1.0 + LayoutConstants::eventDistance),
-                          static_cast<int>(LayoutConstants::eventDistance));
+        m_timeLabel->placeBeside(x);
     }
-    m_timeLabel->setText(timebase::clockText(now, m_clock.zone()));
-    m_timeLabel->adjustSize();
+    m_timeLabel->setTime(timebase::clockText(now, m_clock.zone()));
     m_nextUp->refresh();
     if (m_followsPresent)
         scrollToPresent();

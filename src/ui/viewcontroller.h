@@ -4,6 +4,7 @@
 #include "timetable/timetablelayout.h"
 #include "ui/boxmenu.h"
 #include "ui/clipboardmessage.h"
+#include "ui/clocklabel.h"
 #include "ui/findcontroller.h"
 #include "ui/hourrulerwidget.h"
 #include "ui/nextuplist.h"
@@ -132,7 +133,7 @@ public:
     const QHash<QString, QGroupBox *> &categories() const { return m_sectionsView->categories(); }
     // The marker's left edge on the time axis; absent until the first time update.
     std::optional<double> timeConstraint() const { return m_timeConstraint; }
-    QLabel *timeLabel() const { return m_timeLabel; }
+    ClockLabel *timeLabel() const { return m_timeLabel; }
     bool isBuilt() const { return m_built; }
 
 private:
@@ -172,7 +173,7 @@ private:
     SectionList m_hidden;
     QString m_emptyText;
     std::optional<double> m_timeConstraint;
-    QPointer<QLabel> m_timeLabel;
+    QPointer<ClockLabel> m_timeLabel;
     TimetableGeometry m_geometry;
     QDateTime m_builtAt;
     bool m_loaded = false;

@@ -276,7 +276,7 @@ private Q_SLOTS:
                             list->topLevelItem(i)->text(NextUpList::Name));
             QCOMPARE(rows,
                      (QStringList{u"12:00 now A"_s, u"12:00 now B"_s, u"12:30 in 30 min B"_s}));
-            list->setFocus();
+            QVERIFY(list->hasFocus());
             QTest::keyClick(list, Qt::Key_Down);
             QTest::keyClick(list, Qt::Key_Return);
             QCOMPARE(QGuiApplication::clipboard()->text(), u"[&B]"_s);
