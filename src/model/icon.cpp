@@ -73,7 +73,11 @@ QImage Icon::decode(const QByteArray &bytes)
     QByteArray data = bytes;
     QBuffer buffer(&data);
     buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);
+    // A PNG goes straight to Qt's own reader: asking every format plugin whether it can read
+    // the bytes costs a start more than decoding its icons does.
+    const bool png = pngSize(bytes).isValid();
+    QImageReader reader(&buffer, png ? QByteArrayLiteral("png") : QByteArray());
+    reader.setAutoDetectImageFormat(!png);
     const QSize size = reader.size();
     if (size.isValid() && size != bounded(size))
         reader.setScaledSize(bounded(size));

@@ -76,11 +76,7 @@ void ViewController::loadView()
     axisLayout->setContentsMargins(0, 0, 0, 0);
     axisLayout->addWidget(m_rulerRow);
     axisLayout->addWidget(m_verticalScroll);
-    m_nextUp = new NextUpList(m_clock, m_body);
-    m_nextUp->hide();
-    connect(m_nextUp, &NextUpList::copyRequested, this, &ViewController::copyChatLink);
     m_body->addWidget(axis);
-    m_body->addWidget(m_nextUp);
     m_body->setStretchFactor(0, 1);
     m_body->setChildrenCollapsible(false);
     layout->addWidget(m_body, 1);
@@ -154,9 +150,21 @@ void ViewController::loadDidFinish(const SectionList &sections, const SectionLis
 void ViewController::setNextUp(bool shown, bool markedOnly)
 {
     view();
-    m_nextUp->setMarkedOnly(markedOnly);
-    if (shown == m_nextUp->isVisibleTo(m_view))
+    if (m_nextUp)
+        m_nextUp->setMarkedOnly(markedOnly);
+    if (shown == (m_nextUp && m_nextUp->isVisibleTo(m_view)))
         return;
+    if (!m_nextUp) {
+        // Made when first asked for: most starts never show it.
+        m_nextUp = new NextUpList(m_clock, m_body);
+        m_nextUp->setChoices(m_choices);
+        m_nextUp->setMarkedOnly(markedOnly);
+        connect(m_nextUp, &NextUpList::copyRequested, this, &ViewController::copyChatLink);
+        m_body->addWidget(m_nextUp);
+        if (m_built)
+            if (m_nextUp)
+                m_nextUp->setDay(m_geometry.eventBoxes, m_sections);
+    }
     m_nextUp->setVisible(shown);
     if (!m_built)
         return;
@@ -230,7 +238,8 @@ void ViewController::buildSectionColumn()
 void ViewController::buildTimeline()
 {
     m_horizontalScrollContent->setBoxes(m_geometry.eventBoxes);
-    m_nextUp->setDay(m_geometry.eventBoxes, m_sections);
+    if (m_nextUp)
+        m_nextUp->setDay(m_geometry.eventBoxes, m_sections);
     // The ruler's marks, made once with the boxes: each reads the axis as the boxes' texts do.
     const QList<RulerMark> marks = rulerMarks(m_clock.zone(), m_builtAt, m_geometry.axisWidth());
     m_horizontalScrollContent->setHourMarks(marks);
@@ -288,7 +297,8 @@ void ViewController::updateCurrentTime()
         m_timeLabel->placeBeside(x);
     }
     m_timeLabel->setTime(timebase::clockText(now, m_clock.zone()));
-    m_nextUp->refresh();
+    if (m_nextUp)
+        m_nextUp->refresh();
     if (m_followsPresent)
         scrollToPresent();
 }

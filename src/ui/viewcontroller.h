@@ -104,8 +104,7 @@ public:
     {
         m_boxMenu->setReminderChoices(choices);
         m_marks->setChoices(choices);
-        view(); // the list is made with the view
-        m_nextUp->setChoices(choices);
+        m_choices = choices;
     }
     // The settings' wiki address template ("https://…/{page}"): the box menu then opens an
     // event's wiki page.
@@ -117,6 +116,7 @@ public:
     // timetable.
     FindBar *findBar() const { return m_find ? m_find->findBar() : nullptr; }
     HourRulerWidget *hourRuler() const { return m_hourRuler; }
+    // Absent until Next up is first shown.
     NextUpList *nextUp() const { return m_nextUp; }
 
     QScrollArea *verticalScroll() const { return m_verticalScroll; }
@@ -167,6 +167,7 @@ private:
     QPointer<FindController> m_find;
     QPointer<QSplitter> m_body;
     QPointer<NextUpList> m_nextUp;
+    ReminderChoices *m_choices = nullptr;
 
     SectionList m_sections;
     SectionList m_followingDay;
