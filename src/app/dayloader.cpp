@@ -37,7 +37,9 @@ DayLoader::DayLoader(Parts parts, QObject *parent)
     m_parts.clock.callEvery(std::chrono::minutes(1), this, [this] { minuteTick(); });
     // Only marked: a mark set or removed can give a section its row or take it.
     connect(&m_parts.reminders.choices(), &ReminderChoices::changed, this, [this] {
-        if (m_viewChoices.markedOnly && m_shown && shownNames() != m_controllerNames)
+        if (m_viewChoices.markedOnly && m_shown &&
+            m_viewChoices.shown(m_shown->sections, m_parts.reminders.choices().markedSet()) !=
+                m_given)
             reshow();
     });
 }
@@ -200,30 +202,12 @@ void DayLoader::reshow()
 void DayLoader::hand(ViewController &controller, const DayData &day, const QString &problem)
 {
     const QSet<QString> &marked = m_parts.reminders.choices().markedSet();
-    const SectionList shown = m_viewChoices.shown(day.sections, marked);
-    m_controllerNames = shownNames();
-    if (shown.isEmpty() && !day.sections.isEmpty()) {
-        // Said by what hides them: the marks, or the hidden names.
-        ViewChoices everything = m_viewChoices;
-        everything.markedOnly = false;
-        controller.setEmptyText(
-            m_viewChoices.markedOnly && !everything.shown(day.sections, marked).isEmpty()
-                ? u"No section holds a marked event: M shows every section again."_s
-                : u"Every section is hidden: the preferences (Ctrl+,) show them again."_s);
-    }
+    m_given = m_viewChoices.shown(day.sections, marked);
+    if (const QString why = m_viewChoices.whyNoRows(day.sections, marked); !why.isEmpty())
+        controller.setEmptyText(why);
     controller.setHiddenSections(m_viewChoices.hidden(day.sections, marked));
     controller.setNextUp(m_viewChoices.nextUp, m_viewChoices.markedOnly);
-    controller.loadDidFinish(shown, m_viewChoices.shown(day.followingDay, marked), problem);
-}
-
-QStringList DayLoader::shownNames() const
-{
-    QStringList names;
-    if (m_shown)
-        for (const auto &section :
-             m_viewChoices.shown(m_shown->sections, m_parts.reminders.choices().markedSet()))
-            names.append(section->name);
-    return names;
+    controller.loadDidFinish(m_given, m_viewChoices.shown(day.followingDay, marked), problem);
 }
 
 void DayLoader::keepShown(const DayData &day)

@@ -100,7 +100,6 @@ private:
     void reshow();
     // What the view is given of a day: the sections the choices let through.
     void hand(ViewController &controller, const DayData &day, const QString &problem);
-    QStringList shownNames() const;
     void publish(const DayData &day);
     void minuteTick();
     std::unique_ptr<ViewController> makeController();
@@ -118,8 +117,8 @@ private:
     QDateTime m_retryAt;
     bool m_unknownMarksSaid = false;
     ViewChoices m_viewChoices;
-    // The sections the timetable in the window was given, by name.
-    QStringList m_controllerNames;
+    // The sections the timetable in the window was given.
+    SectionList m_given;
 };
 
 } // namespace eventtimer

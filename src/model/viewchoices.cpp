@@ -32,4 +32,16 @@ SectionList ViewChoices::hidden(const SectionList &sections, const QSet<QString>
     return left;
 }
 
+QString ViewChoices::whyNoRows(const SectionList &sections, const QSet<QString> &marked) const
+{
+    using namespace Qt::StringLiterals;
+    if (sections.isEmpty() || !shown(sections, marked).isEmpty())
+        return {};
+    ViewChoices everything = *this;
+    everything.markedOnly = false;
+    if (markedOnly && !everything.shown(sections, marked).isEmpty())
+        return u"No section holds a marked event: M shows every section again."_s;
+    return u"Every section is hidden: the preferences (Ctrl+,) show them again."_s;
+}
+
 } // namespace eventtimer

@@ -26,6 +26,9 @@ struct ViewChoices
     // The sections that get a row, in their order; and those that do not.
     SectionList shown(const SectionList &sections, const QSet<QString> &marked) const;
     SectionList hidden(const SectionList &sections, const QSet<QString> &marked) const;
+    // Why a day with sections gives none a row, in the player's words: the marks, or the hidden
+    // names; empty while some section has one.
+    QString whyNoRows(const SectionList &sections, const QSet<QString> &marked) const;
 };
 
 } // namespace eventtimer

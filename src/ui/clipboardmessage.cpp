@@ -4,7 +4,9 @@
 #include "timetable/layoutconstants.h"
 #include "ui/eventhook.h"
 
+#include <QClipboard>
 #include <QGraphicsDropShadowEffect>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 
@@ -39,6 +41,13 @@ void ClipboardMessage::place()
     setGeometry((parentWidget()->width() - size.width()) / 2,
                 parentWidget()->height() - size.height() - WindowConstants::clipboardMessageBottom,
                 size.width(), size.height());
+}
+
+void ClipboardMessage::copy(const QString &link)
+{
+    QGuiApplication::clipboard()->setText(link);
+    if (parentWidget()->isVisible())
+        showCopied();
 }
 
 void ClipboardMessage::showCopied()

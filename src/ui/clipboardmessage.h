@@ -21,6 +21,9 @@ public:
     // Made hidden; it follows the view's size.
     ClipboardMessage(Clock &clock, QWidget *view);
 
+    // The chat link onto the clipboard as its only content, as plain text (an empty one as it
+    // is), and the message shown while the view is visible.
+    void copy(const QString &link);
     // Shows the message on top until the earliest pending hide.
     void showCopied();
     void hideClipboardMessage();

@@ -7,8 +7,6 @@
 #include "ui/boxreveal.h"
 #include "ui/eventhook.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLocale>
 #include <QScrollBar>
@@ -101,36 +99,16 @@ void ViewController::loadView()
     m_verticalScroll->setWidget(m_verticalScrollContent);
 
     // While loading, and when nothing could be loaded: a message in the middle of the window.
-    const auto plainLabel = [this](const QString &text) {
-        auto *label = new QLabel(text, m_view);
-        label->setTextFormat(Qt::PlainText);
-        return label;
-    };
-    m_emptyMessage = plainLabel(u"No events could be loaded."_s);
-    m_emptyMessage->setAlignment(Qt::AlignHCenter | Qt::AlignBottom);
-    m_emptyMessage->hide();
-    layout->addWidget(m_emptyMessage, 1);
-    m_statusMessage = plainLabel(QString());
-    m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-    m_statusMessage->setWordWrap(true);
-    m_statusMessage->setForegroundRole(QPalette::PlaceholderText);
-    m_statusMessage->hide();
-    layout->addWidget(m_statusMessage, 1);
+    m_messages = new ViewMessages(m_view, layout);
+    // Over it all, after a copy: the clipboard message, waiting hidden with its shadow.
+    m_clipboardMessage = new ClipboardMessage(m_clock, m_view);
 }
 
 void ViewController::viewDidLoad()
 {
     view();
     m_body->hide();
-    m_statusMessage->setAlignment(Qt::AlignCenter);
-    m_statusMessage->setText(u"Loading the events\u2026"_s);
-    m_statusMessage->show();
-}
-
-void ViewController::showProgress(const QString &text)
-{
-    if (!m_loaded)
-        m_statusMessage->setText(text);
+    m_messages->showLoading();
 }
 
 void ViewController::loadDidFinish(const SectionList &sections, const SectionList &followingDay,
@@ -141,8 +119,7 @@ void ViewController::loadDidFinish(const SectionList &sections, const SectionLis
     m_loaded = true;
     m_sections = sections;
     m_followingDay = followingDay;
-    m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-    m_statusMessage->setText(problem);
+    m_messages->setProblem(problem);
     if (m_appeared && !m_built)
         buildTimetable();
 }
@@ -162,8 +139,7 @@ void ViewController::setNextUp(bool shown, bool markedOnly)
         connect(m_nextUp, &NextUpList::copyRequested, this, &ViewController::copyChatLink);
         m_body->addWidget(m_nextUp);
         if (m_built)
-            if (m_nextUp)
-                m_nextUp->setDay(m_geometry.eventBoxes, m_sections);
+            m_nextUp->setDay(m_geometry.eventBoxes, m_sections);
     }
     m_nextUp->setVisible(shown);
     if (!m_built)
@@ -187,7 +163,6 @@ void ViewController::buildTimetable()
 {
     view();
     m_built = true;
-    setUpClipboardMessage();
     setUpClock();
     startTimer();
     layOutSections();
@@ -200,12 +175,6 @@ void ViewController::buildTimetable()
         scrollToPresent(); // the first sight of the day is the present
     // The keys act at once, on the box at the marker.
     m_horizontalScrollContent->setFocus(Qt::OtherFocusReason);
-}
-
-void ViewController::setUpClipboardMessage()
-{
-    // The clipboard message waits, hidden, with its shadow.
-    m_clipboardMessage = new ClipboardMessage(m_clock, m_view);
 }
 
 void ViewController::setUpClock()
@@ -281,10 +250,7 @@ void ViewController::sizeContents()
     const bool empty = m_sections.isEmpty();
     m_body->setVisible(!empty);
     m_rulerRow->setVisible(!empty);
-    if (!m_emptyText.isEmpty())
-        m_emptyMessage->setText(m_emptyText);
-    m_emptyMessage->setVisible(empty);
-    m_statusMessage->setVisible(empty && !m_statusMessage->text().isEmpty());
+    m_messages->showEmpty(empty);
 }
 
 void ViewController::updateCurrentTime()
@@ -319,15 +285,6 @@ void ViewController::copyToClipboardWithSender(qsizetype pressedBox)
     if (const std::optional<QString> &link =
             m_horizontalScrollContent->boxes().at(pressedBox).event().chatLink)
         copyChatLink(*link);
-}
-
-void ViewController::copyChatLink(const QString &link)
-{
-    // One plain-text item, which replaces whatever the clipboard held. An empty link is
-    // copied as it is, and the message shows all the same.
-    QGuiApplication::clipboard()->setText(link);
-    if (m_view && m_view->isVisible() && m_clipboardMessage)
-        m_clipboardMessage->showCopied();
 }
 
 } // namespace eventtimer

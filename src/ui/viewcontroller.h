@@ -12,6 +12,7 @@
 #include "ui/scroll/horizontalscroll.h"
 #include "ui/sectioncolumn.h"
 #include "ui/timelinewidget.h"
+#include "ui/viewmessages.h"
 
 #include <QGroupBox>
 #include <QHash>
@@ -60,7 +61,7 @@ public:
     // Once the views exist and before they are shown: the view shows that it is loading.
     void viewDidLoad();
     // What is being loaded, for the loading view ("the event document", "icons 3 of 40").
-    void showProgress(const QString &text);
+    void showProgress(const QString &text) { m_messages->showProgress(text); }
     // What the view shows, taken here once: the day's sections, the same document's sections
     // for the next day (the axis goes on after the day's end with their first hours), and why
     // there are none, when there are none. The timetable is built now if the view has appeared.
@@ -68,7 +69,11 @@ public:
                        const QString &problem = {});
     // What the empty timetable says when sections were loaded but the player's choices hide
     // them all; set before loadDidFinish. "No events could be loaded." without one.
-    void setEmptyText(const QString &text) { m_emptyText = text; }
+    void setEmptyText(const QString &text)
+    {
+        view();
+        m_messages->setEmptyText(text);
+    }
     // The sections the player's choices hide: find says how many of its matches they hold.
     void setHiddenSections(const SectionList &hidden) { m_hidden = hidden; }
     // Next up beside the axis (shown or not), with only the marked events or all.
@@ -97,7 +102,11 @@ public:
     void copyToClipboardWithSender(qsizetype pressedBox);
     // A chat link onto the clipboard as the copy button puts it, from elsewhere (a
     // notification): the message shows while the window is visible.
-    void copyChatLink(const QString &link);
+    void copyChatLink(const QString &link)
+    {
+        view();
+        m_clipboardMessage->copy(link);
+    }
 
     // The player's reminder marks: shown as bells, set and removed from a box's menu and with R.
     void setReminderChoices(ReminderChoices *choices)
@@ -124,11 +133,10 @@ public:
     SectionColumn *sectionsView() const { return m_sectionsView; }
     TimelineWidget *horizontalScrollContent() const { return m_horizontalScrollContent; }
     HorizontalScroll *horizontalScroll() const { return m_horizontalScroll; }
-    // Absent until the timetable is built.
     ClipboardMessage *clipboardMessage() const { return m_clipboardMessage; }
-    QLabel *emptyMessage() const { return m_emptyMessage; }
+    QLabel *emptyMessage() const { return m_messages->emptyMessage(); }
     // Under the empty message: why nothing could be loaded; while loading: what is loading.
-    QLabel *statusMessage() const { return m_statusMessage; }
+    QLabel *statusMessage() const { return m_messages->statusMessage(); }
 
     const QHash<QString, QGroupBox *> &categories() const { return m_sectionsView->categories(); }
     // The marker's left edge on the time axis; absent until the first time update.
@@ -140,7 +148,6 @@ private:
     void loadView();
 
     // The steps of buildTimetable, in their order.
-    void setUpClipboardMessage();
     void setUpClock();
     void startTimer();
     void layOutSections();
@@ -159,8 +166,7 @@ private:
     QPointer<TimelineWidget> m_horizontalScrollContent;
     QPointer<HorizontalScroll> m_horizontalScroll;
     QPointer<ClipboardMessage> m_clipboardMessage;
-    QPointer<QLabel> m_emptyMessage;
-    QPointer<QLabel> m_statusMessage;
+    QPointer<ViewMessages> m_messages;
     QPointer<QWidget> m_rulerRow;
     QPointer<QWidget> m_rulerIndent;
     QPointer<HourRulerWidget> m_hourRuler;
@@ -172,7 +178,6 @@ private:
     SectionList m_sections;
     SectionList m_followingDay;
     SectionList m_hidden;
-    QString m_emptyText;
     std::optional<double> m_timeConstraint;
     QPointer<ClockLabel> m_timeLabel;
     TimetableGeometry m_geometry;
