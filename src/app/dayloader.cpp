@@ -158,7 +158,10 @@ void DayLoader::show(Occasion occasion, DayData day)
     }
     ViewController *controller = m_controller.get();
     if (publishing)
-        connect(controller, &ViewController::timetableBuilt, this, [this, day] { publish(day); });
+        // Once the first frame is on its way: the suite and the reminders' plan do not hold it up.
+        connect(
+            controller, &ViewController::timetableBuilt, this, [this, day] { publish(day); },
+            Qt::QueuedConnection);
     m_shown = day;
     // An empty timetable says why, where the address is set, and how to try again.
     const QString why = day.problem && day.sections.isEmpty()

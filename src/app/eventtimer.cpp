@@ -2,9 +2,11 @@
 
 #include "app/preferencesdialog.h"
 #include "data/viewsettings.h"
+#include "model/icon.h"
 #include "ui/viewcontroller.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -88,9 +90,13 @@ void EventTimer::show(bool hidden)
     // After the first frames: the icon's pictures are decoded as it is set, and asking for the
     // tray may cost a round trip to the desktop.
     QTimer::singleShot(std::chrono::milliseconds(300), this, [this, hidden] {
+        // Read as the PNGs they are: asking every image plugin first costs more than the pixels.
         QIcon icon;
-        icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-48.png"_s, QSize(48, 48));
-        icon.addFile(u":/icons/org.tolmerkvarn.eventtimer-256.png"_s, QSize(256, 256));
+        for (const QString &size : {u"48"_s, u"256"_s}) {
+            QFile file(u":/icons/org.tolmerkvarn.eventtimer-"_s + size + u".png"_s);
+            if (file.open(QIODevice::ReadOnly))
+                icon.addPixmap(QPixmap::fromImage(Icon::decode(file.readAll())));
+        }
         m_window.setWindowIcon(icon);
         m_tray.setUp();
         if (hidden)
