@@ -117,10 +117,15 @@ const QPixmap &TimelineRenderer::boxPixmap(const QList<EventBoxGeometry> &boxes,
     const qreal ratio = m_surface.devicePixelRatioF();
     auto *pixmap = new QPixmap((rect.size() * ratio).toSize().expandedTo(QSize(1, 1)));
     pixmap->setDevicePixelRatio(ratio);
-    pixmap->fill(Qt::transparent);
+    // Opaque, with what lies behind the box on the axis drawn in first (the window's colour,
+    // the hour lines, the day's end): a paint then copies the box instead of blending it.
+    pixmap->fill(m_surface.palette().color(QPalette::Window));
     QPainter painter(pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(-rect.topLeft());
+    paintHourLines(painter, rect, state.hourMarks());
+    if (state.dayEndX())
+        paintDayEnd(painter, *state.dayEndX(), state.nextDay());
     m_painter.paint(painter, boxes.at(index), lookOf(boxes, state, index));
     painter.end();
     const qsizetype kilobytes =
