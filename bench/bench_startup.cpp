@@ -18,34 +18,44 @@
 #include <QFile>
 #include <QLabel>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
 
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#endif
+
 using namespace Qt::StringLiterals;
 using namespace eventtimer::bench;
 
 namespace {
 
-// Quits once the watched widget has painted, printing the peak memory.
+// Quits once the watched widget has painted, printing the peak memory. It watches from the
+// application, ahead of the program's own hooks, so that what the program leaves for after its
+// first frame comes after this too.
 class QuitAfterPaint : public QObject
 {
 public:
     explicit QuitAfterPaint(QWidget *watched)
         : QObject(watched)
+        , m_watched(watched)
     {
-        watched->installEventFilter(this);
+        qApp->installEventFilter(this);
     }
 
 protected:
-    bool eventFilter(QObject *, QEvent *event) override
+    bool eventFilter(QObject *object, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint && !m_done) {
+        if (object == m_watched && event->type() == QEvent::Paint && !m_done) {
             m_done = true;
             QTimer::singleShot(0, qApp, [] {
+#if __has_include(<valgrind/callgrind.h>)
+                // Under callgrind, what comes after the first frame is not counted.
+                CALLGRIND_TOGGLE_COLLECT;
+#endif
                 std::printf("painted %lld\n", static_cast<long long>(peakResidentKb()));
                 std::fflush(stdout);
                 QCoreApplication::quit();
@@ -55,6 +65,7 @@ protected:
     }
 
 private:
+    QObject *m_watched;
     bool m_done = false;
 };
 
@@ -88,8 +99,10 @@ struct Run
     qint64 peakKb = 0;
 };
 
-// With `serve`, this process's event loop turns while the child runs, so that the service in it
-// answers; otherwise it blocks, which times the child to the millisecond.
+// From the child's start to the moment it says it has painted (not to its exit: how long a
+// program takes to end is not its start). With `serve`, this process's event loop turns while
+// the child runs, so that the service in it answers; otherwise it blocks, which times the child
+// to the millisecond.
 Run runChild(const QString &mode, const QProcessEnvironment &environment, bool serve = false)
 {
     QProcess child;
@@ -98,36 +111,23 @@ Run runChild(const QString &mode, const QProcessEnvironment &environment, bool s
     QElapsedTimer timer;
     timer.start();
     child.start(QCoreApplication::applicationFilePath(), {mode});
-    if (serve) {
-        while (!child.waitForFinished(5))
+    QByteArray output;
+    double ms = -1;
+    while (true) {
+        const bool more = serve ? !child.waitForFinished(5) : child.waitForReadyRead(60000);
+        output += child.readAllStandardOutput();
+        if (const qsizetype said = output.indexOf("painted ");
+            ms < 0 && said >= 0 && output.indexOf('\n', said) > said)
+            ms = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        if (serve)
             QCoreApplication::processEvents();
-    } else {
-        child.waitForFinished(60000);
+        if (!more && child.state() == QProcess::NotRunning)
+            break;
     }
-    const double ms = static_cast<double>(timer.nsecsElapsed()) / 1e6;
-    const QByteArray output = child.readAllStandardOutput();
     const qsizetype at = output.indexOf("painted ");
-    if (at < 0)
+    if (at < 0 || ms < 0)
         qFatal("%s did not paint: %s", qPrintable(mode), output.constData());
     return {ms, output.mid(at + 8).trimmed().toLongLong()};
-}
-
-// The instructions a child run executes, counted by callgrind (valgrind): the same for the same
-// work whatever else the machine does, where wall time swings. 0 without valgrind.
-qint64 instructions(const QString &mode, const QProcessEnvironment &environment)
-{
-    const QString valgrind = QStandardPaths::findExecutable(u"valgrind"_s);
-    if (valgrind.isEmpty())
-        return 0;
-    QProcess child;
-    child.setProcessEnvironment(environment);
-    child.start(valgrind, {u"--tool=callgrind"_s, u"--callgrind-out-file=/dev/null"_s,
-                           QCoreApplication::applicationFilePath(), mode});
-    child.waitForFinished(300000);
-    const QByteArray report = child.readAllStandardError();
-    const qsizetype at = report.lastIndexOf("Collected : ");
-    return at < 0 ? 0
-                  : report.mid(at + 12, report.indexOf('\n', at) - at - 12).trimmed().toLongLong();
 }
 
 // "app 131.1 M, minimal window 64.2 M instructions: 2.04 x", or nothing without valgrind.
@@ -176,14 +176,14 @@ int compare(int argc, char *argv[])
         firstMinimal.append(runChild(u"--minimal"_s, fresh).ms);
     }
     std::printf("first start, the document 2 s late: start to the window's first paint, median "
-                "of %d: app %.1f ms, minimal window %.1f ms: %.2f x (target 2 x)\n",
+                "of %d: app %.1f ms, minimal window %.1f ms: %.2f x (target 1.3 x)\n",
                 runs, median(firstWindow), median(firstMinimal),
                 median(firstWindow) / median(firstMinimal));
     {
         QProcessEnvironment fresh = environment;
         fresh.insert(u"XDG_CACHE_HOME"_s, config.filePath(u"first-counted"_s));
-        printInstructions("first start", instructions(u"--window"_s, fresh),
-                          instructions(u"--minimal"_s, fresh));
+        printInstructions("first start", instructions({u"--window"_s}, fresh),
+                          instructions({u"--minimal"_s}, fresh));
     }
     service.clearBehaviours();
 
@@ -206,10 +206,10 @@ int compare(int argc, char *argv[])
         minimalPeak = std::max(minimalPeak, m.peakKb);
     }
     std::printf("later start from the cache: start to the timetable's first paint, median of "
-                "%d: app %.1f ms, minimal window %.1f ms: %.2f x (target 2 x)\n",
+                "%d: app %.1f ms, minimal window %.1f ms: %.2f x (target 1.4 x)\n",
                 runs, median(app), median(minimal), median(app) / median(minimal));
-    printInstructions("later start from the cache", instructions(u"--app"_s, environment),
-                      instructions(u"--minimal"_s, environment));
+    printInstructions("later start from the cache", instructions({u"--app"_s}, environment),
+                      instructions({u"--minimal"_s}, environment));
     std::printf("peak RSS: app %lld kB, minimal window %lld kB: +%.1f MB (target +15 MB)\n",
                 static_cast<long long>(appPeak), static_cast<long long>(minimalPeak),
                 static_cast<double>(appPeak - minimalPeak) / 1024.0);

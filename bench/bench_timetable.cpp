@@ -1,5 +1,6 @@
 // The window's costs on a stress day of ~6 000 occurrences: building the timetable, and
-// repainting the visible part of the time axis after a scroll.
+// repainting the visible part of the time axis after a scroll, against repainting the same area
+// in one colour, in wall time and in instructions, also at QT_SCALE_FACTOR=2.
 #include "benchsupport.h"
 #include "manualclock.h"
 #include "model/documentparser.h"
@@ -7,6 +8,9 @@
 #include "ui/viewcontroller.h"
 
 #include <QElapsedTimer>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QProcess>
 #include <QScrollBar>
 #include <QTest>
 
@@ -84,40 +88,116 @@ void BenchTimetable::buildTimetable()
     qInfo("of which the layout arithmetic: median %.1f ms", median(layouts));
 }
 
+namespace {
+
+// One colour over its whole area: the least that repainting that area can cost.
+class OneColour : public QWidget
+{
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QPainter(this).fillRect(event->rect(), palette().window());
+    }
+};
+
+// The part of the time axis the window shows: its viewport cut by the vertical scroll area's.
+QRect visibleAxis(ViewController &controller)
+{
+    const QWidget *timeline = controller.horizontalScrollContent();
+    const QWidget *viewport = controller.horizontalScroll()->viewport();
+    const QWidget *window = controller.verticalScroll()->viewport();
+    return QRect(timeline->mapFrom(viewport, QPoint(0, 0)), viewport->size())
+        .intersected(QRect(timeline->mapFrom(window, QPoint(0, 0)), window->size()));
+}
+
+// One repaint of each, timed, in a function of its own that callgrind counts alone.
+Q_NEVER_INLINE double repaintAxis(QWidget &timeline, const QRect &area)
+{
+    QElapsedTimer timer;
+    timer.start();
+    timeline.repaint(area);
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+Q_NEVER_INLINE double repaintOneColour(QWidget &widget)
+{
+    QElapsedTimer timer;
+    timer.start();
+    widget.repaint();
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+} // namespace
+
 void BenchTimetable::repaintAfterScroll()
 {
+    // The window's size, in device-independent pixels; EVENTTIMER_BENCH_VIEW=WxH sets another
+    // (the run at QT_SCALE_FACTOR=2 below).
+    const QStringList asked =
+        qEnvironmentVariable("EVENTTIMER_BENCH_VIEW", u"1400x900"_s).split(u'x');
+    const QSize size(asked.value(0).toInt(), asked.value(1).toInt());
     ViewController controller(m_clock);
-    controller.view()->resize(1400, 900);
+    controller.view()->resize(size);
     controller.viewDidLoad();
     controller.loadDidFinish(m_sections, m_followingDay);
     controller.view()->show();
     controller.viewDidAppear();
     QVERIFY(QTest::qWaitForWindowExposed(controller.view()));
-    TimelineWidget *timeline = controller.horizontalScrollContent();
-    QScrollBar *bar = controller.horizontalScroll()->horizontalScrollBar();
-    QWidget *viewport = controller.horizontalScroll()->viewport();
-
     // Every name is cut to its box on its first paint; measure repaints of a day already seen
     // once, as scrolling back and forth does.
-    bar->setValue(3000);
-    timeline->repaint();
-    QList<double> repaints;
-    for (int run = 0; run < 60; ++run) {
-        bar->setValue(3000 + (run % 2) * 300);
-        // What the window shows: the time axis's viewport cut by the vertical scroll area's.
-        QWidget *window = controller.verticalScroll()->viewport();
-        const QRect visible =
-            QRect(timeline->mapFrom(viewport, QPoint(0, 0)), viewport->size())
-                .intersected(QRect(timeline->mapFrom(window, QPoint(0, 0)), window->size()));
-        QElapsedTimer timer;
-        timer.start();
-        timeline->repaint(visible);
-        repaints.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    for (const int value : {3300, 3000}) {
+        controller.horizontalScroll()->horizontalScrollBar()->setValue(value);
+        controller.horizontalScrollContent()->repaint(visibleAxis(controller));
     }
-    QWidget *window = controller.verticalScroll()->viewport();
-    qInfo("repaint of the %dx%d visible axis after a 300-point scroll: median %.2f ms "
-          "(target 3 ms)",
-          viewport->width(), window->height(), median(repaints));
+    constexpr int rounds = 60;
+    QList<double> repaints;
+    for (int run = 0; run < rounds; ++run) {
+        controller.horizontalScroll()->horizontalScrollBar()->setValue(3000 + (run % 2) * 300);
+        repaints.append(
+            repaintAxis(*controller.horizontalScrollContent(), visibleAxis(controller)));
+    }
+    const double axis = median(repaints);
+    const QRect visible = visibleAxis(controller);
+
+    OneColour floor;
+    floor.resize(visible.size());
+    floor.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&floor));
+    QList<double> fills;
+    for (int run = 0; run < rounds; ++run)
+        fills.append(repaintOneColour(floor));
+    const double oneColour = median(fills);
+    const bool scaled = qEnvironmentVariableIsSet("EVENTTIMER_BENCH_VIEW");
+    qInfo("repaint of the %dx%d visible axis (%dx%d pixels) after a 300-point scroll: median "
+          "%.2f ms; one colour over the same area %.2f ms: %.1f x (target %s)",
+          visible.width(), visible.height(), qRound(visible.width() * floor.devicePixelRatioF()),
+          qRound(visible.height() * floor.devicePixelRatioF()), axis, oneColour, axis / oneColour,
+          scaled ? "3 ms" : "0.7 ms");
+
+    // The same repaints in instructions, where valgrind is installed.
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const QStringList function{u"repaintAfterScroll"_s};
+    const qint64 counted = instructions(function, environment, u"*repaintAxis*"_s);
+    const qint64 counting = instructions(function, environment, u"*repaintOneColour*"_s);
+    if (counted > 0 && counting > 0)
+        qInfo("in instructions per repaint: axis %.2f M, one colour %.2f M: %.1f x",
+              static_cast<double>(counted) / rounds / 1e6,
+              static_cast<double>(counting) / rounds / 1e6,
+              static_cast<double>(counted) / static_cast<double>(counting));
+
+    // A HiDPI screen: the window at 2560x1440, twice as many pixels each way.
+    if (scaled)
+        return;
+    QProcess hidpi;
+    QProcessEnvironment twice = environment;
+    twice.insert(u"QT_SCALE_FACTOR"_s, u"2"_s);
+    twice.insert(u"EVENTTIMER_BENCH_VIEW"_s, u"2560x1440"_s);
+    hidpi.setProcessEnvironment(twice);
+    hidpi.start(QCoreApplication::applicationFilePath(), function);
+    QVERIFY(hidpi.waitForFinished(1200000));
+    for (const QByteArray &line : hidpi.readAllStandardOutput().split('\n'))
+        if (line.startsWith("QINFO") && line.contains("repaint"))
+            qInfo("at QT_SCALE_FACTOR=2: %s", line.mid(line.indexOf(')') + 2).constData());
 }
 
 QTEST_MAIN(BenchTimetable)

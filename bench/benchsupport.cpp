@@ -1,8 +1,11 @@
 #include "benchsupport.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
+#include <QStandardPaths>
 
 #include <algorithm>
 
@@ -83,6 +86,28 @@ qint64 processStatus(const QByteArray &field)
 qint64 peakResidentKb()
 {
     return processStatus("VmHWM");
+}
+
+qint64 instructions(const QStringList &arguments, const QProcessEnvironment &environment,
+                    const QString &toggle)
+{
+    const QString valgrind = QStandardPaths::findExecutable(u"valgrind"_s);
+    if (valgrind.isEmpty() || qEnvironmentVariableIsSet("EVENTTIMER_BENCH_COUNTING"))
+        return 0;
+    QProcess child;
+    QProcessEnvironment counting = environment;
+    counting.insert(u"EVENTTIMER_BENCH_COUNTING"_s, u"1"_s);
+    child.setProcessEnvironment(counting);
+    QStringList options{u"--tool=callgrind"_s, u"--callgrind-out-file=/dev/null"_s};
+    if (!toggle.isEmpty())
+        options.append(u"--toggle-collect="_s + toggle);
+    child.start(valgrind,
+                options + QStringList{QCoreApplication::applicationFilePath()} + arguments);
+    child.waitForFinished(600000);
+    const QByteArray report = child.readAllStandardError();
+    const qsizetype at = report.lastIndexOf("Collected : ");
+    return at < 0 ? 0
+                  : report.mid(at + 12, report.indexOf('\n', at) - at - 12).trimmed().toLongLong();
 }
 
 } // namespace eventtimer::bench

@@ -3,7 +3,9 @@
 #include <QByteArray>
 #include <QJsonArray>
 #include <QList>
+#include <QProcessEnvironment>
 #include <QString>
+#include <QStringList>
 
 namespace eventtimer::bench {
 
@@ -24,6 +26,13 @@ QJsonArray stressDocument();
 // The realistic document with its first `count` icons pointed at the local event service
 // ("{service}/icons/file/set/N.png", N from 0) and the others left out, as compact JSON.
 QByteArray realisticWithServedIcons(int count);
+
+// The instructions that this program executes when run again with arguments, counted by
+// callgrind (valgrind), only inside the function toggle names when one is given: the same for
+// the same work whatever else the machine does, where wall time swings. 0 without valgrind,
+// and inside such a run (EVENTTIMER_BENCH_COUNTING is set there), so that it never nests.
+qint64 instructions(const QStringList &arguments, const QProcessEnvironment &environment,
+                    const QString &toggle = {});
 
 // The middle value of a set of timings.
 double median(QList<double> values);

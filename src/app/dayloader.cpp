@@ -2,13 +2,10 @@
 
 #include "app/reminders.h"
 #include "app/timetablewindow.h"
-#include "data/remindersettings.h"
 #include "data/settingsstore.h"
-#include "data/suiteexport.h"
 #include "data/urlloader.h"
 #include "data/viewsettings.h"
 #include "model/clock.h"
-#include "model/globalsequence.h"
 #include "model/reminderchoices.h"
 #include "ui/eventhook.h"
 #include "ui/viewcontroller.h"
@@ -31,6 +28,7 @@ QString dayText(QDate date)
 DayLoader::DayLoader(Parts parts, QObject *parent)
     : QObject(parent)
     , m_parts(parts)
+    , m_publisher(parts.clock, parts.err, parts.reminders)
 {
     // The minute on the clock's own timer, not the timetable's: a new day is noticed whatever
     // the window shows, and so are the reminders due.
@@ -158,10 +156,9 @@ void DayLoader::show(Occasion occasion, DayData day)
     }
     ViewController *controller = m_controller.get();
     if (publishing)
-        // Once the first frame is on its way: the suite and the reminders' plan do not hold it up.
-        connect(
-            controller, &ViewController::timetableBuilt, this, [this, day] { publish(day); },
-            Qt::QueuedConnection);
+        connect(controller, &ViewController::timetableBuilt, this, [this, controller, day] {
+            m_publisher.publishAfterFirstFrame(controller->horizontalScrollContent(), day);
+        });
     m_shown = day;
     // An empty timetable says why, where the address is set, and how to try again.
     const QString why = day.problem && day.sections.isEmpty()
@@ -231,22 +228,6 @@ QString DayLoader::failureText(const LoadProblem &problem) const
     return u"Not updated since "_s +
            m_failingSince.toTimeZone(m_parts.clock.zone()).toString(u"HH:mm") + u": "_s +
            problem.reason + u" ("_s + problem.address.toDisplayString() + u"). "_s;
-}
-
-void DayLoader::publish(const DayData &day)
-{
-    // A suite that cannot be written leaves the timetable as it is.
-    const QDateTime now = m_parts.clock.now();
-    if (const Status written =
-            exportToSharedSuite(globalSequence(day.sections, m_parts.clock.zone()), now);
-        !written)
-        m_parts.err << "eventtimer: " << written.error() << Qt::endl;
-    m_parts.reminders.setDays({{day.day, day.sections}, {day.day.addDays(1), day.followingDay}},
-                              now);
-    if (!day.sections.isEmpty() && !m_unknownMarksSaid) {
-        m_unknownMarksSaid = true;
-        reportUnknownMarks(m_parts.reminders.choices(), day.sections, m_parts.err);
-    }
 }
 
 void DayLoader::minuteTick()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/daypublisher.h"
 #include "data/daydata.h"
 #include "data/eventdatasource.h"
 #include "model/viewchoices.h"
@@ -100,13 +101,13 @@ private:
     void reshow();
     // What the view is given of a day: the sections the choices let through.
     void hand(ViewController &controller, const DayData &day, const QString &problem);
-    void publish(const DayData &day);
     void minuteTick();
     std::unique_ptr<ViewController> makeController();
     QString progressText(EventDataSource::Stage stage, int done, int total) const;
     QString failureText(const LoadProblem &problem) const;
 
     Parts m_parts;
+    DayPublisher m_publisher;
     std::unique_ptr<EventDataSource> m_source;
     std::unique_ptr<ViewController> m_controller;
     std::optional<DayData> m_shown;
@@ -115,7 +116,6 @@ private:
     // Since when loads have failed, and when a failed new day is asked for again.
     QDateTime m_failingSince;
     QDateTime m_retryAt;
-    bool m_unknownMarksSaid = false;
     ViewChoices m_viewChoices;
     // The sections the timetable in the window was given.
     SectionList m_given;

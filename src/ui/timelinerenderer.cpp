@@ -16,6 +16,7 @@ TimelineRenderer::TimelineRenderer(const QWidget &surface)
 
 void TimelineRenderer::clear()
 {
+    m_indexed = {};
     m_veilAt.reset();
     m_painter.clear();
     m_boxPixmaps.clear();
@@ -54,6 +55,12 @@ void TimelineRenderer::paint(QPainter &painter, const QRectF &exposed,
     m_painter.setFont(m_surface.font());
     m_painter.setDevicePixelRatio(m_surface.devicePixelRatioF());
     m_painter.setBackground(m_surface.palette().color(QPalette::Window));
+    // The box pictures kept cover twice what is exposed, at the screen's pixel ratio: enough
+    // to scroll back and forth on any screen without drawing a box twice.
+    const qreal ratio = m_surface.devicePixelRatioF();
+    m_boxPixmaps.setMaxCost(std::max<qsizetype>(
+        pixmapCacheKb,
+        static_cast<qsizetype>(2 * exposed.width() * exposed.height() * ratio * ratio * 4 / 1024)));
 
     paintHourLines(painter, exposed, state.hourMarks());
     if (state.dayEndX() && exposed.intersects(QRectF(*state.dayEndX() - 1, 0, 200, height)))
@@ -62,10 +69,12 @@ void TimelineRenderer::paint(QPainter &painter, const QRectF &exposed,
         painter.fillRect(QRectF(*state.markerX(), 0, 1.0, height), Qt::red);
     // The first paint draws straight away: nothing is cached yet, and a start should not wait
     // for pixmaps it may never reuse.
-    for (qsizetype i = 0; i < boxes.size(); ++i) {
+    if (boxes.constData() != m_indexed.first || boxes.size() != m_indexed.second) {
+        m_index = BoxIndex(boxes);
+        m_indexed = {boxes.constData(), boxes.size()};
+    }
+    for (const qsizetype i : m_index.boxesIn(boxes, exposed)) {
         const QRectF &rect = boxes.at(i).rect;
-        if (!rect.intersects(exposed) || rect.width() <= 0 || rect.height() <= 0)
-            continue;
         if (m_paintedOnce)
             painter.drawPixmap(rect.topLeft(), boxPixmap(boxes, state, i));
         else

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "timetable/boxindex.h"
+
 #include "ui/eventboxpainter.h"
 #include "ui/timelinestate.h"
 
@@ -53,6 +55,9 @@ private:
     QRegion m_veil;
     std::optional<std::pair<double, double>> m_veilAt;
     EventBoxPainter m_painter;
+    // Which boxes a paint asks for, made again for new boxes.
+    BoxIndex m_index;
+    std::pair<const EventBoxGeometry *, qsizetype> m_indexed;
     QCache<qsizetype, QPixmap> m_boxPixmaps{pixmapCacheKb};
     QPixmap m_uncached;
     bool m_paintedOnce = false;

@@ -100,8 +100,6 @@ void ViewController::loadView()
 
     // While loading, and when nothing could be loaded: a message in the middle of the window.
     m_messages = new ViewMessages(m_view, layout);
-    // Over it all, after a copy: the clipboard message, waiting hidden with its shadow.
-    m_clipboardMessage = new ClipboardMessage(m_clock, m_view);
 }
 
 void ViewController::viewDidLoad()
@@ -275,6 +273,14 @@ void ViewController::scrollToPresent()
         return;
     const double target = timebase::scrollTarget(*m_timeConstraint, m_horizontalScroll->width());
     m_horizontalScroll->horizontalScrollBar()->setValue(static_cast<int>(std::floor(target)));
+}
+
+void ViewController::copyChatLink(const QString &link)
+{
+    // Made at the first copy, over the view: a start has no use for it.
+    if (!m_clipboardMessage)
+        m_clipboardMessage = new ClipboardMessage(m_clock, view());
+    m_clipboardMessage->copy(link);
 }
 
 void ViewController::copyToClipboardWithSender(qsizetype pressedBox)

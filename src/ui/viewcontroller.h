@@ -102,11 +102,7 @@ public:
     void copyToClipboardWithSender(qsizetype pressedBox);
     // A chat link onto the clipboard as the copy button puts it, from elsewhere (a
     // notification): the message shows while the window is visible.
-    void copyChatLink(const QString &link)
-    {
-        view();
-        m_clipboardMessage->copy(link);
-    }
+    void copyChatLink(const QString &link);
 
     // The player's reminder marks: shown as bells, set and removed from a box's menu and with R.
     void setReminderChoices(ReminderChoices *choices)
@@ -133,6 +129,7 @@ public:
     SectionColumn *sectionsView() const { return m_sectionsView; }
     TimelineWidget *horizontalScrollContent() const { return m_horizontalScrollContent; }
     HorizontalScroll *horizontalScroll() const { return m_horizontalScroll; }
+    // Absent until the first copy.
     ClipboardMessage *clipboardMessage() const { return m_clipboardMessage; }
     QLabel *emptyMessage() const { return m_messages->emptyMessage(); }
     // Under the empty message: why nothing could be loaded; while loading: what is loading.

@@ -3,6 +3,7 @@
 #include "model/viewchoices.h"
 #include "model/wikipage.h"
 #include "smallday.h"
+#include "timetable/boxindex.h"
 #include "timetable/boxtexts.h"
 #include "timetable/find.h"
 #include "timetable/hourruler.h"
@@ -140,6 +141,24 @@ private Q_SLOTS:
             current = stepMatch(*current, matches.size(), true);
         }
         QTEST(got, "walk");
+    }
+
+    // A repaint asks the index for the boxes in the exposed part, across its hour columns.
+    void boxIndexFindsTheExposedBoxes()
+    {
+        const BoxIndex index(boxes);
+        for (const auto &[left, right, expected] :
+             {std::tuple{6100.0, 6200.0,
+                         QStringList{u"Market 10:00"_s, u"Night 10:00"_s, u"Watch 00:30"_s}},
+              {7150.0, 7250.0,
+               QStringList{u"Storm 10:30"_s, u"Night 10:00"_s, u"Watch 00:30"_s, u"Siege 12:00"_s}},
+              {0.0, 100.0, QStringList{u"Siege 00:00"_s}},
+              {20000.0, 21000.0, QStringList()}}) {
+            QStringList found;
+            for (const qsizetype box : index.boxesIn(boxes, QRectF(left, 0, right - left, 1000)))
+                found.append(labelOf(boxes.at(box)));
+            QCOMPARE(found, expected);
+        }
     }
 
     // Next up: from the present on by start, ties in the document's order of sections, the

@@ -251,7 +251,8 @@ private Q_SLOTS:
         const QMimeData *data = QGuiApplication::clipboard()->mimeData();
         QCOMPARE(data->formats(), copied ? QStringList{u"text/plain"_s} : formats);
         QCOMPARE(data->text(), copied.value_or(u"earlier"_s));
-        QCOMPARE(window.controller().clipboardMessage()->isVisible(), copied.has_value());
+        const ClipboardMessage *message = window.controller().clipboardMessage();
+        QCOMPARE(message && message->isVisible(), copied.has_value());
     }
 
     void earliestPendingHideEndsTheMessage()
@@ -260,9 +261,8 @@ private Q_SLOTS:
         SmallTimetable window;
         QVERIFY(window.exposed());
         ViewController &controller = window.controller();
-        const QFrame *message = controller.clipboardMessage();
-
         controller.copyToClipboardWithSender(window.box(u"Tide 09:00"_s));
+        const QFrame *message = controller.clipboardMessage();
         QVERIFY(message->isVisible());
         window.clock().advance(2000ms);
         controller.copyToClipboardWithSender(window.box(u"Hunt 08:00"_s));
