@@ -28,6 +28,7 @@ public:
     QSize size() const { return m_shared->size; }
     // The pixels, decoded on the first call; a null image when the data turns out broken.
     const QImage &image() const;
+    bool isDecoded() const { return m_shared->image.has_value(); }
 
     // Encoded bytes decoded now, at most maxSide on either side; a null image when they are no
     // image.

@@ -97,12 +97,21 @@ const QStaticText &EventBoxPainter::timeText(const QString &text)
     return it.value();
 }
 
-const QPixmap &EventBoxPainter::iconOf(const Event &event)
+const QPixmap *EventBoxPainter::iconOf(const Event &event)
 {
     auto it = m_icons.find(&event);
-    if (it == m_icons.end())
+    if (it == m_icons.end()) {
+        if (!event.icon->isDecoded())
+            return nullptr;
         it = m_icons.insert(&event, QPixmap::fromImage(event.icon->image()));
-    return it.value();
+    }
+    return &it.value();
+}
+
+void EventBoxPainter::decodeIcon(const EventBoxGeometry &box)
+{
+    if (const std::optional<Icon> &icon = box.event().icon)
+        icon->image();
 }
 
 const QPixmap &EventBoxPainter::buttonPixmap(Button state)
@@ -126,7 +135,7 @@ const QPixmap &EventBoxPainter::buttonPixmap(Button state)
     return pixmap;
 }
 
-void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, const State &state)
+bool EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, const State &state)
 {
     const Event &event = box.event();
     const QRectF rect = box.rect;
@@ -154,13 +163,16 @@ void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, cons
         onDark);
 
     // The icon at the right, where the box has room for it beside the time; the name and its
-    // bell end before it.
-    const QPixmap *icon = event.icon ? &iconOf(event) : nullptr;
+    // bell end before it. One still to be decoded has its room already: its header told its size.
+    const QPixmap *icon = event.icon ? iconOf(event) : nullptr;
+    const QSizeF iconSize = icon                                     ? icon->deviceIndependentSize()
+                            : event.icon && !event.icon->isDecoded() ? QSizeF(event.icon->size())
+                                                                     : QSizeF();
     const QRectF iconRect =
-        icon ? EventBoxGeometry::iconRect(rect, icon->deviceIndependentSize(),
-                                          event.chatLink.has_value(), time.size().width())
-             : QRectF();
-    if (!iconRect.isEmpty()) {
+        iconSize.isEmpty() ? QRectF()
+                           : EventBoxGeometry::iconRect(rect, iconSize, event.chatLink.has_value(),
+                                                        time.size().width());
+    if (icon && !iconRect.isEmpty()) {
         // Drawn from all the pixels the picture has, at the screen's own resolution.
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.setOpacity(0.5);
@@ -193,6 +205,7 @@ void EventBoxPainter::paint(QPainter &painter, const EventBoxGeometry &box, cons
                                 cornerRadius - 1);
     }
     painter.restore();
+    return !event.icon || icon;
 }
 
 } // namespace eventtimer

@@ -56,12 +56,17 @@ public:
     static bool isDark(const QColor &fill, const QColor &background);
     void clear();
 
-    void paint(QPainter &painter, const EventBoxGeometry &box, const State &state);
+    // Paints a box; returns false when its icon is still to be decoded (the box has the room
+    // for it, and shows it once it is painted again after decodeIcon).
+    bool paint(QPainter &painter, const EventBoxGeometry &box, const State &state);
+    // Decodes a box's icon: never while painting, so that no frame waits for a picture.
+    static void decodeIcon(const EventBoxGeometry &box);
 
 private:
     const QStaticText &nameText(const EventBoxGeometry &box, double reserved);
     const QStaticText &timeText(const QString &text);
-    const QPixmap &iconOf(const Event &event);
+    // The event's icon at the screen's resolution; absent while it is to be decoded.
+    const QPixmap *iconOf(const Event &event);
     const QPixmap &buttonPixmap(Button state);
 
     QFont m_font;

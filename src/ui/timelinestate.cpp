@@ -23,14 +23,6 @@ TimelineState::Changed beforeAndAfter(std::optional<qsizetype> before,
 
 } // namespace
 
-QRectF TimelineState::setMarkerX(double x, double height)
-{
-    const std::optional<double> previous = std::exchange(m_markerX, x);
-    const double from = previous ? std::min(*previous, x) : x;
-    const double to = previous ? std::max(*previous, x) : x;
-    return QRectF(from - 1, 0, to - from + 3, height);
-}
-
 void TimelineState::resetBoxes()
 {
     m_currentBox.reset();
@@ -87,7 +79,7 @@ void TimelineState::setDayEnd(double x, const QString &nextDay)
 TimelineState::Changed TimelineState::setFind(const std::optional<QList<qsizetype>> &matches,
                                               std::optional<qsizetype> current)
 {
-    // The current match's ring is part of its box's cached picture.
+    // The current match's ring is drawn with its box: both boxes are drawn anew.
     Changed changed = beforeAndAfter(std::exchange(m_findCurrent, current), current);
     std::optional<QSet<qsizetype>> matching;
     if (matches)

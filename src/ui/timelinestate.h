@@ -32,9 +32,7 @@ public:
 
     // The marker's left edge; absent until the first time update.
     std::optional<double> markerX() const { return m_markerX; }
-    // Returns what it repaints on an axis of that height: the marker's old and new place, and
-    // the veil between them.
-    QRectF setMarkerX(double x, double height);
+    void setMarkerX(double x) { m_markerX = x; }
 
     // The copy button under the mouse, and the one held down.
     std::optional<qsizetype> hoveredButton() const { return m_hoveredButton; }

@@ -24,7 +24,9 @@ TimelineWidget::TimelineWidget(QWidget *parent)
     // Assistive technology sees one item per box.
     TimelineAccessible::install();
     setMouseTracking(true);
-    setAttribute(Qt::WA_OpaquePaintEvent, false);
+    // Every pixel is painted: nothing behind it is drawn first, and a scroll moves what is on
+    // the screen already and paints only what comes into view.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(u"Events of the day"_s);
 }
@@ -41,18 +43,21 @@ void TimelineWidget::setBoxes(QList<EventBoxGeometry> boxes)
 
 void TimelineWidget::setMarkerX(double x)
 {
-    update(m_state.setMarkerX(x, height()).toAlignedRect());
+    m_state.setMarkerX(x);
+    update(m_renderer.markerMoved(m_boxes, m_state));
 }
 
 void TimelineWidget::setHourMarks(QList<RulerMark> marks)
 {
     m_state.setHourMarks(std::move(marks));
+    m_renderer.invalidateAll();
     update();
 }
 
 void TimelineWidget::setDayEnd(double x, const QString &nextDay)
 {
     m_state.setDayEnd(x, nextDay);
+    m_renderer.invalidateAll();
     update();
 }
 
@@ -71,16 +76,30 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     m_renderer.paint(painter, event->rect(), m_boxes, m_state);
+    // No frame waits for a picture: the icons come once it is on the screen.
+    if (m_renderer.awaitsIcons())
+        QMetaObject::invokeMethod(this, &TimelineWidget::showIcons, Qt::QueuedConnection);
+}
+
+void TimelineWidget::showIcons()
+{
+    for (const qsizetype box : m_renderer.takeAwaitingIcons()) {
+        EventBoxPainter::decodeIcon(m_boxes.at(box));
+        m_renderer.invalidate(m_boxes.at(box).rect);
+        update(m_boxes.at(box).rect.toAlignedRect());
+    }
 }
 
 void TimelineWidget::redraw(const TimelineState::Changed &changed)
 {
     for (const qsizetype box : changed.boxes) {
-        m_renderer.invalidate(box);
+        m_renderer.invalidate(m_boxes.at(box).rect);
         update(m_boxes.at(box).rect.toAlignedRect());
     }
-    if (changed.all)
+    if (changed.all) {
+        m_renderer.invalidateAll();
         update();
+    }
 }
 
 void TimelineWidget::setHovered(std::optional<qsizetype> button)
@@ -142,7 +161,7 @@ void TimelineWidget::setCurrent(qsizetype box, Reveal reveal)
 {
     if (box < 0 || box >= m_boxes.size())
         return;
-    // The ring is part of a box's cached picture.
+    // The ring is drawn with its box: the boxes it leaves and reaches are drawn anew.
     const TimelineState::Changed changed = m_state.setCurrentBox(box);
     redraw(changed);
     if (!changed.boxes.isEmpty() && hasFocus())

@@ -100,6 +100,8 @@ protected:
 private:
     // Draws anew what a change of the state changed.
     void redraw(const TimelineState::Changed &changed);
+    // Decodes the icons a paint went without, and paints their boxes again.
+    void showIcons();
     void setHovered(std::optional<qsizetype> button);
 
     enum class Reveal

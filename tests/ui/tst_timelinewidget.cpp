@@ -344,6 +344,23 @@ private Q_SLOTS:
         QCOMPARE(window.picture(u"Market 10:00"_s), market);
     }
 
+    // The minute moves the marker and the veil of the past: a box drawn before shows it as a
+    // window that first paints at that minute does.
+    void theMinuteRedrawsWhatItChanges()
+    {
+        SmallTimetable window;
+        QVERIFY(window.exposed());
+        // Without the keyboard's ring, as the window painted later has it.
+        window.controller().verticalScroll()->setFocus(Qt::OtherFocusReason);
+        window.clock().advance(15min);
+        const QImage running = window.picture(u"Market 10:00"_s);
+        window.clock().advance(16min);
+        SmallTimetable later;
+        later.clock().advance(31min);
+        QCOMPARE(window.picture(u"Market 10:00"_s), later.picture(u"Market 10:00"_s));
+        QVERIFY(window.picture(u"Market 10:00"_s) != running);
+    }
+
     // R and the box's menu set and remove the mark of the event by name; marked boxes carry
     // a bell and say so to screen readers. The menu also opens the event's wiki page.
     void marksAndTheBoxMenu()
