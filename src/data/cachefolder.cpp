@@ -7,6 +7,8 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
@@ -67,15 +69,20 @@ bool CacheFolder::write(const QString &name, const QByteArray &bytes)
 
 QString CacheFolder::safeName(const QString &key)
 {
+    static constexpr char hex[] = "0123456789ABCDEF";
     const QByteArray utf8 = key.toUtf8();
     QString name;
+    name.reserve(std::min<qsizetype>(3 * utf8.size(), longestReadableName + 3));
     for (const char byte : utf8) {
         const auto c = static_cast<unsigned char>(byte);
         const bool plain = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
-        if (plain)
+        if (plain) {
             name += QLatin1Char(static_cast<char>(c));
-        else
-            name += u'%' + QString::number(c, 16).toUpper().rightJustified(2, u'0');
+        } else {
+            name += u'%';
+            name += QLatin1Char(hex[c >> 4]);
+            name += QLatin1Char(hex[c & 0xf]);
+        }
         if (name.size() > longestReadableName)
             return u'~' + QString::fromLatin1(
                               QCryptographicHash::hash(utf8, QCryptographicHash::Sha256).toHex());

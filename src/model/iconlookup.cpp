@@ -10,7 +10,8 @@ namespace eventtimer {
 namespace {
 
 // Splits text at every user-perceived character equal to separator, dropping empty pieces.
-QStringList splitByCharacters(const QString &text, QChar separator)
+// The pieces are views into text.
+QList<QStringView> splitByCharacters(QStringView text, QChar separator)
 {
     // In plain ASCII every character stands alone (only "\r\n" pairs up), so a plain split
     // gives the same pieces; URLs nearly always are.
@@ -19,8 +20,8 @@ QStringList splitByCharacters(const QString &text, QChar separator)
     if (ascii)
         return text.split(separator, Qt::SkipEmptyParts);
 
-    QStringList pieces;
-    QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, text);
+    QList<QStringView> pieces;
+    QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, text.data(), text.size());
     qsizetype pieceStart = 0;
     qsizetype characterStart = 0;
     while (true) {
@@ -43,13 +44,16 @@ QStringList splitByCharacters(const QString &text, QChar separator)
 
 std::optional<QString> iconCacheKey(const QString &url)
 {
-    const QStringList dotted = splitByCharacters(url, u'.');
+    const QList<QStringView> dotted = splitByCharacters(url, u'.');
     if (dotted.size() < 2)
         return std::nullopt;
-    const QStringList path = splitByCharacters(dotted.at(dotted.size() - 2), u'/');
+    const QList<QStringView> path = splitByCharacters(dotted.at(dotted.size() - 2), u'/');
     if (path.size() < 2)
         return std::nullopt;
-    return path.at(path.size() - 2) + u'_' + path.last();
+    QString key;
+    key.reserve(path.at(path.size() - 2).size() + 1 + path.last().size());
+    key.append(path.at(path.size() - 2)).append(u'_').append(path.last());
+    return key;
 }
 
 } // namespace eventtimer

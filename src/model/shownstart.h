@@ -14,13 +14,20 @@ namespace eventtimer {
 // shows 02:00, at UTC-5 19:00; on a daylight-saving change day every occurrence takes the same
 // present offset. The box's text, the ruler, the reminders and the panel feed all read it here.
 // Qt Core alone and no library: the panel feed includes it as it is.
-inline QTime shownStart(double start, const QTimeZone &zone, const QDateTime &builtAt)
+// builtOffset is the zone's offset from UTC at builtAt, in seconds: what a timetable asks once
+// for all its boxes.
+inline QTime shownStart(double start, const QTimeZone &zone, int builtOffset)
 {
     // Offsets are whole seconds, so the whole second towards the past decides the minute:
     // 06:30:59.9 stays in minute 06:30.
-    const auto seconds = static_cast<qint64>(std::floor(start)) + zone.offsetFromUtc(builtAt);
+    const auto seconds = static_cast<qint64>(std::floor(start)) + builtOffset;
     const QTime wall = QDateTime::fromSecsSinceEpoch(seconds, zone).time();
     return QTime(wall.hour(), wall.minute());
+}
+
+inline QTime shownStart(double start, const QTimeZone &zone, const QDateTime &builtAt)
+{
+    return shownStart(start, zone, zone.offsetFromUtc(builtAt));
 }
 
 } // namespace eventtimer

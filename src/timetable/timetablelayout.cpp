@@ -76,9 +76,9 @@ double TimetableGeometry::axisWidth() const
     return width;
 }
 
-TimetableLayout::TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labelHeight)
+TimetableLayout::TimetableLayout(QTimeZone zone, const QDateTime &now, LabelHeight labelHeight)
     : m_zone(std::move(zone))
-    , m_now(std::move(now))
+    , m_builtOffset(m_zone.offsetFromUtc(now))
     , m_labelHeight(std::move(labelHeight))
     , m_minutes(m_zone)
 {}
@@ -89,7 +89,7 @@ const TimetableLayout::ShownStart &TimetableLayout::shownStartOf(const SequenceI
     const auto second = static_cast<qint64>(std::floor(item.time));
     auto it = m_shownStarts.find(second);
     if (it == m_shownStarts.end()) {
-        const QTime shown = shownStart(item.time, m_zone, m_now);
+        const QTime shown = shownStart(item.time, m_zone, m_builtOffset);
         const qint64 minute = shown.hour() * 60 + shown.minute();
         it = m_shownStarts.insert(second, {minute, boxtexts::clock(minute)});
     }

@@ -105,7 +105,7 @@ public:
 
     // now and zone give each box its start text; labelHeight is the natural height of a
     // section label showing the given name.
-    TimetableLayout(QTimeZone zone, QDateTime now, LabelHeight labelHeight);
+    TimetableLayout(QTimeZone zone, const QDateTime &now, LabelHeight labelHeight);
 
     // Sections of one category together, at the place of the category's first section;
     // otherwise in document order. Only the display is grouped: the chat-link occurrences
@@ -150,7 +150,8 @@ private:
     const ShownStart &shownStartOf(const SequenceItem &item);
 
     QTimeZone m_zone;
-    QDateTime m_now;
+    // The zone's offset from UTC when the timetable is built, which every box's time takes.
+    int m_builtOffset;
     LabelHeight m_labelHeight;
     TimetableGeometry m_geometry;
     QHash<QString, qsizetype> m_categories;

@@ -54,7 +54,6 @@ void SectionColumn::build(const TimetableGeometry &geometry)
         auto *widget = new CategoryBox(box.title, this);
         m_categories.insert(box.title, widget);
         offerMenu(widget, QString(), box.title);
-        widget->show(); // the column may already be on screen
     }
     for (const SectionLabelGeometry &label : std::as_const(m_labelGeometry)) {
         auto *widget = new QLabel(m_categories.value(m_boxGeometry.at(label.categoryBox).title));
@@ -63,10 +62,16 @@ void SectionColumn::build(const TimetableGeometry &geometry)
         widget->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         widget->setToolTip(label.text.toHtmlEscaped());
         offerMenu(widget, label.text, m_boxGeometry.at(label.categoryBox).title);
-        widget->show();
         m_labels.append(widget);
     }
+    // Placed before they are shown (the column may be on screen already): a widget shown
+    // without a size is first given the one its text asks for, which costs a start a
+    // measure of every name.
     place();
+    for (QWidget *widget : std::as_const(m_categories))
+        widget->show();
+    for (QWidget *widget : std::as_const(m_labels))
+        widget->show();
 }
 
 void SectionColumn::resizeEvent(QResizeEvent *event)

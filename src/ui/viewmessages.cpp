@@ -18,7 +18,6 @@ ViewMessages::ViewMessages(QWidget *view, QVBoxLayout *layout)
     layout->addWidget(m_emptyMessage, 1);
     m_statusMessage = plainLabel(QString());
     m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-    m_statusMessage->setWordWrap(true);
     m_statusMessage->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(m_statusMessage, 1);
 }
@@ -39,6 +38,9 @@ void ViewMessages::showProgress(const QString &text)
 void ViewMessages::setProblem(const QString &problem)
 {
     m_loaded = true;
+    // Only a problem's words are long enough to wrap: measuring a wrapped text for the loading
+    // line costs a start more than the line itself.
+    m_statusMessage->setWordWrap(true);
     m_statusMessage->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_statusMessage->setText(problem);
 }
