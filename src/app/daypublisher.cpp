@@ -1,10 +1,11 @@
 #include "app/daypublisher.h"
 
 #include "app/reminders.h"
-#include "data/remindersettings.h"
 #include "data/suiteexport.h"
 #include "model/clock.h"
+#include "model/event.h"
 #include "model/globalsequence.h"
+#include "model/oneline.h"
 #include "ui/eventhook.h"
 
 #include <QTimer>
@@ -12,7 +13,31 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace eventtimer {
+
+namespace {
+
+// Marks that name no event of the sections, said in one line: they stay marked (another
+// document may have the event) and remind of nothing.
+void reportUnknownMarks(const ReminderChoices &choices, const SectionList &sections,
+                        QTextStream &err)
+{
+    QSet<QString> known;
+    for (const auto &section : sections)
+        for (const auto &event : section->events)
+            known.insert(event->name);
+    QStringList unknown;
+    for (const QString &name : choices.marked())
+        if (!known.contains(name))
+            unknown.append(u'"' + oneLine(name) + u'"');
+    if (!unknown.isEmpty())
+        err << "eventtimer: reminders: no event of the event document is named "
+            << unknown.join(u", "_s) << "; kept, but nothing to remind of" << Qt::endl;
+}
+
+} // namespace
 
 DayPublisher::DayPublisher(Clock &clock, QTextStream &err, Reminders &reminders, QObject *parent)
     : QObject(parent)

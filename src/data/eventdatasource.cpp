@@ -6,6 +6,7 @@
 #include "data/urlloader.h"
 #include "model/clock.h"
 #include "model/documentjson.h"
+#include "model/iconcachekey.h"
 
 #include <QSet>
 #include <QTimer>

@@ -2,6 +2,7 @@
 
 #include "data/cachefolder.h"
 #include "data/urlloader.h"
+#include "model/iconcachekey.h"
 
 #include <QElapsedTimer>
 #include <QTimer>

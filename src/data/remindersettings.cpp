@@ -1,7 +1,6 @@
 #include "data/remindersettings.h"
 
 #include "data/settingsstore.h"
-#include "model/oneline.h"
 
 #include <QSet>
 
@@ -64,22 +63,6 @@ Result<ReminderSettings> writeReminderChanges(SettingsStore &settings,
     if (!written)
         return Error{written.error()};
     return now;
-}
-
-void reportUnknownMarks(const ReminderChoices &choices, const SectionList &sections,
-                        QTextStream &err)
-{
-    QSet<QString> known;
-    for (const auto &section : sections)
-        for (const auto &event : section->events)
-            known.insert(event->name);
-    QStringList unknown;
-    for (const QString &name : choices.marked())
-        if (!known.contains(name))
-            unknown.append(u'"' + oneLine(name) + u'"');
-    if (!unknown.isEmpty())
-        err << "eventtimer: reminders: no event of the event document is named "
-            << unknown.join(u", "_s) << "; kept, but nothing to remind of" << Qt::endl;
 }
 
 } // namespace eventtimer

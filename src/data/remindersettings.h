@@ -2,7 +2,6 @@
 
 #include "model/reminderchoices.h"
 #include "model/result.h"
-#include "model/section.h"
 
 #include <QTextStream>
 
@@ -30,10 +29,5 @@ ReminderSettings readReminderSettings(const SettingsStore &settings, QTextStream
 Result<ReminderSettings> writeReminderChanges(SettingsStore &settings,
                                               const ReminderSettings &before,
                                               const ReminderSettings &after);
-
-// Marks that name no event of the sections, said in one line: they stay marked (another
-// document may have the event) and remind of nothing.
-void reportUnknownMarks(const ReminderChoices &choices, const SectionList &sections,
-                        QTextStream &err);
 
 } // namespace eventtimer

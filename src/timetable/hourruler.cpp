@@ -68,13 +68,4 @@ std::span<const RulerMark> marksBetween(const QList<RulerMark> &marks, double le
     return {first, end};
 }
 
-QRegion pastVeil(double markerX, double height, const QList<EventBoxGeometry> &boxes)
-{
-    QRegion veil(QRectF(0, 0, std::max(0.0, markerX), height).toAlignedRect());
-    for (const EventBoxGeometry &box : boxes)
-        if (box.rect.left() < markerX && box.rect.right() > markerX)
-            veil -= box.rect.toAlignedRect();
-    return veil;
-}
-
 } // namespace eventtimer

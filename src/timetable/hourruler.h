@@ -1,11 +1,7 @@
 #pragma once
 
-#include "timetable/timetablelayout.h"
 #include <QDateTime>
-
 #include <QList>
-#include <QRectF>
-#include <QRegion>
 #include <QString>
 #include <QTimeZone>
 
@@ -32,9 +28,5 @@ QList<RulerMark> rulerMarks(const QTimeZone &zone, const QDateTime &builtAt, dou
 
 // The marks from left to right, both included: a view into marks, which are in the order of x.
 std::span<const RulerMark> marksBetween(const QList<RulerMark> &marks, double left, double right);
-
-// What the past veil covers: the axis left of the marker, but for the boxes running at the
-// marker, whose names and times stay clear.
-QRegion pastVeil(double markerX, double height, const QList<EventBoxGeometry> &boxes);
 
 } // namespace eventtimer

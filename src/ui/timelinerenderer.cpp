@@ -1,6 +1,7 @@
 #include "ui/timelinerenderer.h"
 
 #include "timetable/hourruler.h"
+#include "timetable/pastveil.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #include "model/event.h"
 #include "model/eventrecord.h"
-#include "model/iconlookup.h"
+#include "model/iconcachekey.h"
 
 #include <QJsonDocument>
 #include <QTest>

@@ -7,6 +7,7 @@
 #include "timetable/boxtexts.h"
 #include "timetable/find.h"
 #include "timetable/hourruler.h"
+#include "timetable/pastveil.h"
 #include "timetable/nextup.h"
 #include "timetable/revealscroll.h"
 #include "timetable/timelinenavigation.h"

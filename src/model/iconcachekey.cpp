@@ -1,4 +1,4 @@
-#include "model/iconlookup.h"
+#include "model/iconcachekey.h"
 
 #include <QStringList>
 #include <QTextBoundaryFinder>
