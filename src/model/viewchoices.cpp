@@ -39,8 +39,13 @@ QString ViewChoices::whyNoRows(const SectionList &sections, const QSet<QString> 
         return {};
     ViewChoices everything = *this;
     everything.markedOnly = false;
-    if (markedOnly && !everything.shown(sections, marked).isEmpty())
+    if (markedOnly && !everything.shown(sections, marked).isEmpty()) {
+        const ViewChoices marksAlone{{}, {}, true};
+        if (!marksAlone.shown(sections, marked).isEmpty())
+            return u"The sections of the marked events are hidden: the preferences (Ctrl+,) show "
+                   u"them again, M shows every section."_s;
         return u"No section holds a marked event: M shows every section again."_s;
+    }
     return u"Every section is hidden: the preferences (Ctrl+,) show them again."_s;
 }
 

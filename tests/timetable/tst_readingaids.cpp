@@ -7,8 +7,8 @@
 #include "timetable/boxtexts.h"
 #include "timetable/find.h"
 #include "timetable/hourruler.h"
-#include "timetable/pastveil.h"
 #include "timetable/nextup.h"
+#include "timetable/pastveil.h"
 #include "timetable/revealscroll.h"
 #include "timetable/timelinenavigation.h"
 
@@ -216,20 +216,27 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("markedOnly"); // the marks, when only marked is on
         QTest::addColumn<QStringList>("rows");
         QTest::addColumn<int>("hiddenMatches"); // of find's "i"
+        QTest::addColumn<QString>("why");       // the empty view's first words
         const QStringList all{u"Harbour"_s, u"Forest"_s, u"Vault"_s, u"Keep"_s};
-        QTest::newRow("nothing") << QStringList() << QStringList() << QStringList() << all << 0;
-        QTest::newRow("a section") << QStringList{u"Forest"_s} << QStringList() << QStringList()
-                                   << QStringList{u"Harbour"_s, u"Vault"_s, u"Keep"_s} << 1;
+        QTest::newRow("nothing") << QStringList() << QStringList() << QStringList() << all << 0
+                                 << QString();
+        QTest::newRow("a section")
+            << QStringList{u"Forest"_s} << QStringList() << QStringList()
+            << QStringList{u"Harbour"_s, u"Vault"_s, u"Keep"_s} << 1 << QString();
         QTest::newRow("a category, and an unknown name")
             << QStringList{u"Old Forest"_s} << QStringList{u"Raids"_s} << QStringList()
-            << QStringList{u"Harbour"_s, u"Forest"_s} << 2;
+            << QStringList{u"Harbour"_s, u"Forest"_s} << 2 << QString();
         QTest::newRow("everything")
             << QStringList{u"Harbour"_s, u"Forest"_s} << QStringList{u"Raids"_s} << QStringList()
-            << QStringList() << 4;
+            << QStringList() << 4 << u"Every section is hidden"_s;
         QTest::newRow("only marked") << QStringList() << QStringList() << QStringList{u"Siege"_s}
-                                     << QStringList{u"Keep"_s} << 2;
+                                     << QStringList{u"Keep"_s} << 2 << QString();
         QTest::newRow("only marked, none marked")
-            << QStringList() << QStringList() << QStringList{QString()} << QStringList() << 4;
+            << QStringList() << QStringList() << QStringList{QString()} << QStringList() << 4
+            << u"No section holds a marked event"_s;
+        QTest::newRow("only marked, the marked one's section hidden")
+            << QStringList{u"Keep"_s} << QStringList() << QStringList{u"Siege"_s} << QStringList()
+            << 4 << u"The sections of the marked events are hidden"_s;
     }
 
     void hidingLeavesRows()
@@ -245,6 +252,9 @@ private Q_SLOTS:
         QTEST(rows, "rows");
         QTEST(static_cast<int>(countMatches(choices.hidden(SmallDay::sections(), marked), u"i"_s)),
               "hiddenMatches");
+        QFETCH(QString, why);
+        const QString said = choices.whyNoRows(SmallDay::sections(), marked);
+        QVERIFY2(why.isEmpty() ? said.isEmpty() : said.startsWith(why), qPrintable(said));
     }
 
     // The focus ring from box to box: see TimelineNavigation.
