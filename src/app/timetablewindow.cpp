@@ -2,6 +2,7 @@
 
 #include "app/windowplacement.h"
 #include "data/settingsstore.h"
+#include "ui/plaintooltip.h"
 
 #include <QAction>
 #include <QApplication>
@@ -65,7 +66,7 @@ void TimetableWindow::showStatus(const QString &text, Topic topic)
 {
     QLabel *label = statusLine(topic);
     label->setText(text);
-    label->setToolTip(text.toHtmlEscaped());
+    label->setToolTip(text.isEmpty() ? QString() : plainToolTip(text));
     label->setVisible(!text.isEmpty());
     statusBar()->setVisible(!m_status->text().isEmpty() || !m_settingsStatus->text().isEmpty());
 }

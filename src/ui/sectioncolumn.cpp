@@ -3,6 +3,7 @@
 #include "timetable/layoutconstants.h"
 #include "ui/boxmenu.h"
 #include "ui/categorybox.h"
+#include "ui/plaintooltip.h"
 
 #include <algorithm>
 
@@ -60,7 +61,7 @@ void SectionColumn::build(const TimetableGeometry &geometry)
         widget->setTextFormat(Qt::PlainText);
         widget->setText(label.text);
         widget->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        widget->setToolTip(label.text.toHtmlEscaped());
+        widget->setToolTip(plainToolTip(label.text));
         offerMenu(widget, label.text, m_boxGeometry.at(label.categoryBox).title);
         m_labels.append(widget);
     }

@@ -2,6 +2,7 @@
 
 #include "model/event.h"
 #include "timetable/hittest.h"
+#include "ui/plaintooltip.h"
 #include "ui/timelinewidget.h"
 
 #include <QHelpEvent>
@@ -10,17 +11,6 @@
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
-
-namespace {
-
-// Texts from the event document shown as they are, whatever they look like: a tooltip would
-// take a name with angle brackets for markup.
-QString plainToolTip(const QString &text)
-{
-    return u"<p style='white-space:pre'>"_s + text.toHtmlEscaped() + u"</p>"_s;
-}
-
-} // namespace
 
 bool TimelineToolTip::show(TimelineWidget &timeline, const QHelpEvent &help)
 {
