@@ -6,6 +6,7 @@
 #include "model/soontext.h"
 #include "timetable/boxtexts.h"
 #include "ui/glyphs.h"
+#include "ui/plaintooltip.h"
 
 #include <QHeaderView>
 #include <QPainter>
@@ -114,7 +115,7 @@ void NextUpList::refresh()
         auto *item = new QTreeWidgetItem({box.startText, soonText(row.secondsAhead), event.name,
                                           event.section.value_or(QString()), QString()});
         item->setData(Start, boxRole, row.box);
-        item->setToolTip(Name, boxtexts::details(box));
+        item->setToolTip(Name, plainToolTip(boxtexts::details(box)));
         item->setData(Name, Qt::AccessibleDescriptionRole, boxtexts::description(box, isMarked));
         item->setIcon(Name, iconFor(event, isMarked));
         if (event.chatLink) {
@@ -132,6 +133,33 @@ void NextUpList::refresh()
     else if (!items.isEmpty())
         setCurrentItem(items.first(), 0, QItemSelectionModel::NoUpdate);
     setUpdatesEnabled(true);
+    // The icons come after the frame, as on the axis.
+    if (m_iconsAwaited)
+        QMetaObject::invokeMethod(this, &NextUpList::showIcons, Qt::QueuedConnection);
+    followMinute();
+}
+
+void NextUpList::showIcons()
+{
+    if (!std::exchange(m_iconsAwaited, false))
+        return;
+    for (const EventBoxGeometry &box : std::as_const(m_boxes))
+        if (box.event().icon)
+            box.event().icon->image();
+    refresh();
+}
+
+void NextUpList::followMinute()
+{
+    // How soon each event starts changes with the clock's minute, which the timetable's own
+    // tick does not keep to: "in 3 min" turns "in 2 min" as the minute does.
+    if (std::exchange(m_minuteFollowed, true))
+        return;
+    const qint64 intoMinute = m_clock.now().toMSecsSinceEpoch() % 60000;
+    m_clock.callAfter(std::chrono::milliseconds(60000 - intoMinute), this, [this] {
+        m_minuteFollowed = false;
+        refresh();
+    });
 }
 
 QSize NextUpList::sizeHint() const
@@ -165,14 +193,17 @@ QIcon NextUpList::iconFor(const Event &event, bool marked)
             const QRectF left(all.topLeft(), QSizeF(all.height(), all.height()));
             if (marked)
                 drawBell(painter, left.adjusted(2, 2, -2, -2), onDark);
-            if (!event.icon || event.icon->image().isNull())
+            if (event.icon && !event.icon->isDecoded())
+                m_iconsAwaited = true;
+            if (!event.icon || !event.icon->isDecoded() || event.icon->image().isNull())
                 return;
             const QImage &image = event.icon->image();
             QRectF fitted(QPointF(), QSizeF(image.size()).scaled(left.size(), Qt::KeepAspectRatio));
             fitted.moveCenter(left.center() + QPointF(all.height(), 0));
             painter.drawImage(fitted, image);
         });
-    m_icons.insert(key, icon);
+    if (!event.icon || event.icon->isDecoded())
+        m_icons.insert(key, icon);
     return icon;
 }
 

@@ -18,8 +18,8 @@ class ReminderChoices;
 // nextUp): the start it shows, how soon ("in 12 min", "now"), the event with its icon and, when
 // marked, its bell, the section, and a copy button. Enter, or a click on the button, asks for
 // the chat link to be copied, as a box's button does. Only marked events, when asked. Rows are
-// real items, so the keyboard and screen readers reach each of them. It is made again every
-// minute while it is shown.
+// real items, so the keyboard and screen readers reach each of them. It is made again at every
+// minute of the clock while it is shown.
 class NextUpList : public QTreeWidget
 {
     Q_OBJECT
@@ -57,6 +57,10 @@ protected:
 
 private:
     QIcon iconFor(const Event &event, bool marked);
+    // Decodes the icons the rows went without, and makes the rows again.
+    void showIcons();
+    // Makes the rows again at the clock's next minute.
+    void followMinute();
     void copy(QTreeWidgetItem *item);
 
     Clock &m_clock;
@@ -65,6 +69,8 @@ private:
     QPointer<ReminderChoices> m_choices;
     bool m_markedOnly = false;
     QHash<std::pair<const Event *, bool>, QIcon> m_icons;
+    bool m_iconsAwaited = false;
+    bool m_minuteFollowed = false;
 };
 
 } // namespace eventtimer

@@ -19,6 +19,7 @@
 using namespace eventtimer;
 using eventtimer::testing::ManualClock;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -263,7 +264,9 @@ private Q_SLOTS:
             return QStringList(shown.cbegin(), shown.cend());
         };
         {
-            EventTimer program(m_clock, m_out, m_err);
+            // Twenty seconds into the minute: the timetable's tick comes at twenty past.
+            ManualClock clock(m_clock.now().addSecs(20), QTimeZone::utc());
+            EventTimer program(clock, m_out, m_err);
             program.show();
             QTRY_VERIFY(program.controller().isBuilt());
             QTest::keyClick(&program.window(), Qt::Key_N);
@@ -276,6 +279,9 @@ private Q_SLOTS:
                             list->topLevelItem(i)->text(NextUpList::Name));
             QCOMPARE(rows,
                      (QStringList{u"12:00 now A"_s, u"12:00 now B"_s, u"12:30 in 30 min B"_s}));
+            // How soon goes with the clock's minute.
+            clock.advance(40s);
+            QCOMPARE(list->topLevelItem(2)->text(NextUpList::Soon), u"in 29 min"_s);
             QVERIFY(list->hasFocus());
             QTest::keyClick(list, Qt::Key_Down);
             QTest::keyClick(list, Qt::Key_Return);
