@@ -174,11 +174,10 @@ void DayLoader::show(Occasion occasion, DayData day)
         controller->viewDidAppear();
 
     if (day.origin == DayData::Origin::Kept && !day.sections.isEmpty()) {
-        const QString copy = u"This timetable comes from the copy downloaded on "_s +
-                             dayText(day.downloadedAt.toTimeZone(m_parts.clock.zone()).date());
-        m_parts.window.showStatus(failureText(*day.problem) + copy + u"; F5 tries again."_s);
-        m_parts.err << "eventtimer: not updated: " << day.problem->reason << "; " << copy
-                    << Qt::endl;
+        sayStatus(failureText(*day.problem) +
+                  u"This timetable comes from the copy downloaded on "_s +
+                  dayText(day.downloadedAt.toTimeZone(m_parts.clock.zone()).date()) +
+                  u"; F5 tries again."_s);
     } else {
         // An empty timetable says why itself.
         m_parts.window.showStatus({});
@@ -218,9 +217,14 @@ void DayLoader::keepShown(const DayData &day)
                   dayText(m_shown->downloadedAt.toTimeZone(m_parts.clock.zone()).date()) + u"; "_s;
     else if (m_shown->day != day.day)
         status += u"The timetable shown is for "_s + dayText(m_shown->day) + u"; "_s;
-    m_parts.window.showStatus(status + u"F5 tries again."_s);
-    m_parts.err << "eventtimer: not updated: " << day.problem->reason
-                << "; the timetable shown stays" << Qt::endl;
+    sayStatus(status + u"F5 tries again."_s);
+}
+
+void DayLoader::sayStatus(const QString &status)
+{
+    // The line under the window, and the same words on the error stream.
+    m_parts.window.showStatus(status);
+    m_parts.err << "eventtimer: " << status << Qt::endl;
 }
 
 QString DayLoader::failureText(const LoadProblem &problem) const

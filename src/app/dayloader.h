@@ -97,6 +97,8 @@ private:
     bool replacesShown(Occasion occasion, const DayData &day) const;
     void show(Occasion occasion, DayData day);
     void keepShown(const DayData &day);
+    // Why the timetable shown is not the latest, under the window and on the error stream.
+    void sayStatus(const QString &status);
     // The shown day's timetable again, for changed view choices; nothing else changes.
     void reshow();
     // What the view is given of a day: the sections the choices let through.
