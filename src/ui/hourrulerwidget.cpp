@@ -4,6 +4,8 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace eventtimer {
 
 namespace {
@@ -56,10 +58,12 @@ void HourRulerWidget::paintEvent(QPaintEvent *event)
         painter.setPen(palette().color(mark.hour ? QPalette::WindowText : QPalette::Mid));
         painter.drawLine(QPointF(x, bottom),
                          QPointF(x, bottom - (mark.hour ? hourTick : quarterTick)));
-        if (mark.hour) {
-            const double width = metrics.horizontalAdvance(mark.label);
-            painter.drawText(QPointF(x - width / 2, bottom - hourTick - 2 - metrics.descent()),
-                             mark.label);
+        // A label stands over its hour, kept whole inside the ruler: cut at an edge, "20:00"
+        // would read "0:00".
+        if (mark.hour && x >= 0 && x <= width()) {
+            const double labelWidth = metrics.horizontalAdvance(mark.label);
+            const double left = std::max(0.0, std::min(x - labelWidth / 2, width() - labelWidth));
+            painter.drawText(QPointF(left, bottom - hourTick - 2 - metrics.descent()), mark.label);
         }
     }
 }
