@@ -66,6 +66,8 @@ void ViewController::loadView()
     m_verticalScroll->setWidgetResizable(true);
     m_verticalScroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_verticalScroll->setFrameShape(QFrame::NoFrame);
+    // Tab goes from Next up to the timeline's ring: the area shows no focus of its own.
+    m_verticalScroll->setFocusPolicy(Qt::NoFocus);
 
     // The axis with its ruler, and beside it Next up while it is asked for.
     m_body = new QSplitter(m_view);
@@ -92,6 +94,9 @@ void ViewController::loadView()
     m_horizontalScroll->setFocusPolicy(Qt::NoFocus);
     m_horizontalScrollContent = new TimelineWidget;
     m_horizontalScroll->setWidget(m_horizontalScrollContent);
+    // The day runs left to right in a mirrored layout too, the ruler's hours with it.
+    for (QWidget *axis : std::initializer_list<QWidget *>{m_horizontalScroll, m_hourRuler})
+        axis->setLayoutDirection(Qt::LeftToRight);
     connect(m_horizontalScroll->horizontalScrollBar(), &QScrollBar::valueChanged, m_hourRuler,
             &HourRulerWidget::setScroll);
     row->addWidget(m_sectionsView, 0, Qt::AlignTop);
@@ -162,7 +167,6 @@ void ViewController::buildTimetable()
     view();
     m_built = true;
     setUpClock();
-    startTimer();
     layOutSections();
     buildSectionColumn();
     buildTimeline();
@@ -179,10 +183,7 @@ void ViewController::setUpClock()
 {
     m_timeLabel->setParent(m_horizontalScrollContent);
     m_timeLabel->show();
-}
-
-void ViewController::startTimer()
-{
+    // The minute's tick, counted from the build.
     m_clock.callEvery(timeUpdateInterval, this, [this] { timeUpdate(); });
 }
 

@@ -145,8 +145,7 @@ private:
     void loadView();
 
     // The steps of buildTimetable, in their order.
-    void setUpClock();
-    void startTimer();
+    void setUpClock(); // the clock label and the minute's tick
     void layOutSections();
     void buildSectionColumn();
     void buildTimeline();
