@@ -5,12 +5,25 @@
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace eventtimer {
+
+namespace {
+
+QHBoxLayout *hintAndButton(QLabel *hint, QPushButton *button)
+{
+    auto *row = new QHBoxLayout;
+    row->addWidget(hint, 1);
+    row->addWidget(button, 0, Qt::AlignTop);
+    return row;
+}
+
+} // namespace
 
 PreferencesDialog::PreferencesDialog(ReminderChoices &choices, const Autostart &autostart,
                                      QWidget *parent)
@@ -37,9 +50,11 @@ PreferencesDialog::PreferencesDialog(ReminderChoices &choices, const Autostart &
         u"Mark an event from its box's menu (right click), or with R on the focused box."_s, this);
     hint->setWordWrap(true);
     hint->setForegroundRole(QPalette::PlaceholderText);
+    // Each list's button beside its hint, right under the list it acts on.
+    m_remove = new QPushButton(u"&Remove"_s, this);
     layout->addWidget(listLabel);
     layout->addWidget(m_marked);
-    layout->addWidget(hint);
+    layout->addLayout(hintAndButton(hint, m_remove));
 
     auto *hiddenLabel = new QLabel(u"&Hidden from the timetable:"_s, this);
     m_hidden = new QListWidget(this);
@@ -53,15 +68,13 @@ PreferencesDialog::PreferencesDialog(ReminderChoices &choices, const Autostart &
     hiddenHint->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(hiddenLabel);
     layout->addWidget(m_hidden);
-    layout->addWidget(hiddenHint);
-    layout->addWidget(m_showAgain, 0, Qt::AlignRight);
+    layout->addLayout(hintAndButton(hiddenHint, m_showAgain));
 
     m_startAtLogin = new QCheckBox(u"&Start at login, without the window"_s, this);
     m_startAtLogin->setChecked(m_autostart.isEnabled());
     layout->addWidget(m_startAtLogin);
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-    m_remove = buttons->addButton(u"&Remove"_s, QDialogButtonBox::ActionRole);
     layout->addWidget(buttons);
 
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
