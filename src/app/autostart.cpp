@@ -18,7 +18,7 @@ namespace {
 // escaped, when it holds any of them.
 QString execArgument(const QString &argument)
 {
-    static const QString reserved = uR"( \t\n"'\><~|&;$*?#()`)"_s;
+    static const QString reserved = u" \t\n\"'\\><~|&;$*?#()`"_s;
     if (std::none_of(argument.cbegin(), argument.cend(),
                      [](QChar c) { return reserved.contains(c); }) &&
         !argument.contains(u'%'))

@@ -101,7 +101,10 @@ void EventTimer::show(bool hidden)
         m_tray.setUp();
         if (hidden)
             goneFromSight(u"Event Timer is running"_s,
-                          u"It reminds you of the marked events without its window."_s);
+                          m_reminders.choices().hasMarks()
+                              ? u"It reminds you of the marked events without its window."_s
+                              : u"It keeps the day's timetable and shared events current without "
+                                u"its window."_s);
     });
 }
 
