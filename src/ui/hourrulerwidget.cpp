@@ -58,13 +58,15 @@ void HourRulerWidget::paintEvent(QPaintEvent *event)
         painter.setPen(palette().color(mark.hour ? QPalette::WindowText : QPalette::Mid));
         painter.drawLine(QPointF(x, bottom),
                          QPointF(x, bottom - (mark.hour ? hourTick : quarterTick)));
-        // A label stands over its hour, kept whole inside the ruler: cut at an edge, "20:00"
-        // would read "0:00".
-        if (mark.hour && x >= 0 && x <= width()) {
-            const double labelWidth = metrics.horizontalAdvance(mark.label);
-            const double left = std::max(0.0, std::min(x - labelWidth / 2, width() - labelWidth));
-            painter.drawText(QPointF(left, bottom - hourTick - 2 - metrics.descent()), mark.label);
-        }
+        if (!mark.hour)
+            continue;
+        // A label stands over its hour, and one that an edge would cut is kept whole inside the
+        // ruler: cut, "20:00" would read "0:00".
+        const double labelWidth = metrics.horizontalAdvance(mark.label);
+        if (x + labelWidth / 2 <= 0 || x - labelWidth / 2 >= width())
+            continue;
+        const double left = std::max(0.0, std::min(x - labelWidth / 2, width() - labelWidth));
+        painter.drawText(QPointF(left, bottom - hourTick - 2 - metrics.descent()), mark.label);
     }
 }
 

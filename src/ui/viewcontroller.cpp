@@ -79,6 +79,8 @@ void ViewController::loadView()
     m_body->addWidget(axis);
     m_body->setStretchFactor(0, 1);
     m_body->setChildrenCollapsible(false);
+    // The day runs left to right in a mirrored layout too, the ruler's hours over its boxes.
+    m_body->setLayoutDirection(Qt::LeftToRight);
     layout->addWidget(m_body, 1);
 
     // The section column and the time axis sit side by side with level tops, so every row
@@ -94,9 +96,6 @@ void ViewController::loadView()
     m_horizontalScroll->setFocusPolicy(Qt::NoFocus);
     m_horizontalScrollContent = new TimelineWidget;
     m_horizontalScroll->setWidget(m_horizontalScrollContent);
-    // The day runs left to right in a mirrored layout too, the ruler's hours with it.
-    for (QWidget *axis : std::initializer_list<QWidget *>{m_horizontalScroll, m_hourRuler})
-        axis->setLayoutDirection(Qt::LeftToRight);
     connect(m_horizontalScroll->horizontalScrollBar(), &QScrollBar::valueChanged, m_hourRuler,
             &HourRulerWidget::setScroll);
     row->addWidget(m_sectionsView, 0, Qt::AlignTop);
