@@ -165,7 +165,7 @@ int compare(int argc, char *argv[])
     const Idle app = runChild(u"--app"_s, environment);
     const Idle minimal = runChild(u"--minimal"_s, environment);
     std::printf("idle with reminders set: resident %lld kB, minimal window %lld kB: +%.1f MB "
-                "(target +10 MB)\n",
+                "(target +8 MB)\n",
                 static_cast<long long>(app.residentKb), static_cast<long long>(minimal.residentKb),
                 static_cast<double>(app.residentKb - minimal.residentKb) / 1024.0);
     std::printf("wake-ups over %lld idle seconds: app %lld, minimal window %lld\n",
