@@ -24,8 +24,7 @@ TimelineWidget::TimelineWidget(QWidget *parent)
     // Assistive technology sees one item per box.
     TimelineAccessible::install();
     setMouseTracking(true);
-    // Every pixel is painted: nothing behind it is drawn first, and a scroll moves what is on
-    // the screen already and paints only what comes into view.
+    // Every pixel painted: a scroll moves what is shown and paints only what comes into view.
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(u"Events of the day"_s);
@@ -50,15 +49,13 @@ void TimelineWidget::setMarkerX(double x)
 void TimelineWidget::setHourMarks(QList<RulerMark> marks)
 {
     m_state.setHourMarks(std::move(marks));
-    m_renderer.invalidateAll();
-    update();
+    redraw({{}, true});
 }
 
 void TimelineWidget::setDayEnd(double x, const QString &nextDay)
 {
     m_state.setDayEnd(x, nextDay);
-    m_renderer.invalidateAll();
-    update();
+    redraw({{}, true});
 }
 
 void TimelineWidget::setFindState(std::optional<QList<qsizetype>> matches,
@@ -76,18 +73,16 @@ void TimelineWidget::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     m_renderer.paint(painter, event->rect(), m_boxes, m_state);
-    // No frame waits for a picture: the icons come once it is on the screen.
-    if (m_renderer.awaitsIcons())
+    if (m_renderer.awaitsIcons()) // no frame waits for a picture: they come after it
         QMetaObject::invokeMethod(this, &TimelineWidget::showIcons, Qt::QueuedConnection);
 }
 
 void TimelineWidget::showIcons()
 {
-    for (const qsizetype box : m_renderer.takeAwaitingIcons()) {
+    const QList<qsizetype> boxes = m_renderer.takeAwaitingIcons();
+    for (const qsizetype box : boxes)
         EventBoxPainter::decodeIcon(m_boxes.at(box));
-        m_renderer.invalidate(m_boxes.at(box).rect);
-        update(m_boxes.at(box).rect.toAlignedRect());
-    }
+    redraw({boxes});
 }
 
 void TimelineWidget::redraw(const TimelineState::Changed &changed)
