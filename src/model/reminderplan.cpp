@@ -42,6 +42,7 @@ QList<Reminder> planReminders(const QList<PlannedDay> &days, const QSet<QString>
     QList<Reminder> reminders;
     if (marked.isEmpty())
         return reminders;
+    const int textsOffset = zone.offsetFromUtc(textsAt);
     for (qsizetype d = 0; d < days.size(); ++d) {
         const PlannedDay &day = days.at(d);
         const double dayStart = secondsSinceEpoch(day.date.startOfDay(zone));
@@ -57,7 +58,7 @@ QList<Reminder> planReminders(const QList<PlannedDay> &days, const QSet<QString>
                 if (!marked.contains(item.event->name) ||
                     (i == 0 && continuesPreviousDay(*section, previous, dayStart)))
                     continue;
-                const QTime start = shownStart(item.time, zone, textsAt);
+                const QTime start = shownStart(item.time, zone, textsOffset);
                 Reminder reminder;
                 reminder.due = QDateTime(day.date, start, zone);
                 reminder.at = reminder.due.addSecs(-60LL * leadMinutes);

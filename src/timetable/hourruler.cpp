@@ -20,12 +20,13 @@ QList<RulerMark> rulerMarks(const QTimeZone &zone, const QDateTime &builtAt, dou
     const QDate day = builtAt.toTimeZone(zone).date();
     const double midnight = ScheduleDay::of(day, zone).start();
     const double nextMidnight = ScheduleDay::of(day.addDays(1), zone).start();
+    const int builtOffset = zone.offsetFromUtc(builtAt);
     // What a box at an axis minute shows, in minutes from 00:00.
     const auto shownAt = [&](qint64 minute) {
         const double start = minute < dayEnd
                                  ? midnight + static_cast<double>(minute) * 60.0
                                  : nextMidnight + static_cast<double>(minute - dayEnd) * 60.0;
-        const QTime shown = shownStart(start, zone, builtAt);
+        const QTime shown = shownStart(start, zone, builtOffset);
         return static_cast<qint64>(shown.hour() * 60 + shown.minute());
     };
     const qint64 last = std::max(static_cast<qint64>(std::floor(axisWidth / perMinute)),

@@ -218,10 +218,11 @@ QList<Upcoming> upcoming(const SuiteFile &suite, const QDateTime &now, const QTi
     // The suite's day, and the moment its timetable was built: the offset its boxes' times took.
     const QDate day = suite.writtenAt.toTimeZone(zone).date();
     const double midnight = static_cast<double>(day.startOfDay(zone).toSecsSinceEpoch());
+    const int builtOffset = zone.offsetFromUtc(suite.writtenAt);
     QList<Upcoming> events;
     for (qsizetype i = 0; i < suite.times.size(); ++i) {
         const QTime start =
-            shownStart(midnight + static_cast<double>(suite.times.at(i)), zone, suite.writtenAt);
+            shownStart(midnight + static_cast<double>(suite.times.at(i)), zone, builtOffset);
         const QDateTime due(day, start, zone);
         if (due.secsTo(now) < 60)
             events.append({suite.sequence.at(i), suite.sections.at(i), suite.chatLinks.at(i), due,
