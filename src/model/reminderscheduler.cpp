@@ -18,6 +18,7 @@ void ReminderScheduler::setPlan(QList<Reminder> plan)
 {
     announceDue();
     m_plan = std::move(plan);
+    m_planned = true;
     arm();
 }
 
@@ -37,6 +38,9 @@ std::optional<Reminder> ReminderScheduler::next() const
 
 void ReminderScheduler::announceDue()
 {
+    // Before the first plan nothing is known yet: a check then lets no moment go.
+    if (!m_planned)
+        return;
     const QDateTime now = m_clock.now();
     if (now <= m_doneUntil)
         return; // the clock went back: what is done stays done

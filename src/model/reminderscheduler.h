@@ -16,7 +16,9 @@ class Clock;
 // Announces the planned reminders at their moments with one timer of the clock, for the next
 // one, set anew whenever the plan changes and at every check. Nothing is announced late: a
 // moment that passed before the scheduler started, or more than a grace period ago (after a
-// suspend, a clock change or a busy moment), is let go.
+// suspend, a clock change or a busy moment), is let go. A moment that passes while the first
+// plan is still being made (the day is published after its first frame) is announced when the
+// plan comes, within the grace period.
 class ReminderScheduler : public QObject
 {
     Q_OBJECT
@@ -46,6 +48,7 @@ private:
 
     Clock &m_clock;
     QList<Reminder> m_plan;
+    bool m_planned = false;
     // Moments up to this one are done with: announced, or let go.
     QDateTime m_doneUntil;
     std::unique_ptr<QObject> m_timer;

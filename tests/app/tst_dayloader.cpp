@@ -269,6 +269,8 @@ private Q_SLOTS:
                 [&](const Reminder &reminder) { heard.append(reminder.startText); });
         program.show();
         QTRY_COMPARE(shown(program), dayText(u"A"_s, start.date()));
+        // The day is published, and the reminders planned, after its first frame.
+        QTRY_VERIFY(program.reminders().scheduler().next());
 
         clock.advance(1min);
         QCOMPARE(program.days().shownDay()->day, start.date());

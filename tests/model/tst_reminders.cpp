@@ -77,21 +77,27 @@ private Q_SLOTS:
     void announcesAtTheMomentAndNeverLate_data()
     {
         QTest::addColumn<QTime>("start");
+        QTest::addColumn<int>("planAfterSeconds");
         QTest::addColumn<int>("jumpAfterMinutes");
         QTest::addColumn<int>("jumpMinutes");
         QTest::addColumn<QStringList>("heard");
         const QStringList all{u"08:55 Tide in 5 min"_s, u"10:25 Storm in 5 min"_s,
                               u"11:25 Market in 5 min"_s};
-        QTest::newRow("at their moments") << QTime(8, 0) << 0 << 0 << all;
-        QTest::newRow("started after a moment: let go") << QTime(8, 56) << 0 << 0 << all.mid(1);
+        QTest::newRow("at their moments") << QTime(8, 0) << 0 << 0 << 0 << all;
+        QTest::newRow("started after a moment: let go")
+            << QTime(8, 56) << 0 << 0 << 0 << all.mid(1);
+        QTest::newRow("a moment passes while the first plan is made: heard when it comes")
+            << QTime(8, 54, 30) << 70 << 0 << 0 << all;
         QTest::newRow("clock jumps 3 hours forward: what it skips is let go")
-            << QTime(8, 0) << 10 << 180 << all.mid(2);
-        QTest::newRow("clock set back an hour: nothing twice") << QTime(8, 50) << 20 << -60 << all;
+            << QTime(8, 0) << 0 << 10 << 180 << all.mid(2);
+        QTest::newRow("clock set back an hour: nothing twice")
+            << QTime(8, 50) << 0 << 20 << -60 << all;
     }
 
     void announcesAtTheMomentAndNeverLate()
     {
         QFETCH(QTime, start);
+        QFETCH(int, planAfterSeconds);
         QFETCH(int, jumpAfterMinutes);
         QFETCH(int, jumpMinutes);
         QFETCH(QStringList, heard);
@@ -103,6 +109,7 @@ private Q_SLOTS:
             got.append(clock.now().toString(u"HH:mm ") + reminder.summary());
         });
         clock.callEvery(60s, &scheduler, [&] { scheduler.check(); });
+        clock.advance(std::chrono::seconds(planAfterSeconds));
         scheduler.setPlan(planReminders(coastDays(utc).mid(0, 1),
                                         {u"Tide"_s, u"Storm"_s, u"Market"_s}, 5, utc, clock.now()));
         clock.advance(std::chrono::minutes(jumpAfterMinutes));
